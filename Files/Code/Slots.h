@@ -1,0 +1,43 @@
+#pragma once
+// Variables of instances and of the global object: values behind small slot numbers, made on first use.#include "Files/Code/Value.h"
+
+#include <cstdint>
+
+namespace vesk {
+
+class CInstanceBase {
+public:
+  virtual ~CInstanceBase() = default;
+  // The value in the slot; made unset on first use. The address stays valid while the object lives.
+  virtual RValue& GetSlot(int32_t slot) = 0;
+};
+
+class ZqObjectBase : public CInstanceBase {
+public:
+  explicit ZqObjectBase(int32_t slotCount);
+  ~ZqObjectBase() override;
+  ZqObjectBase(const ZqObjectBase&) = delete;
+  ZqObjectBase& operator=(const ZqObjectBase&) = delete;
+
+  RValue& GetSlot(int32_t slot) override;
+  // As GetSlot without creating it; null for a slot that was never named.
+  RValue* FindSlot(int32_t slot) const;
+  bool HasSlots() const { return slotCount > 0; }
+  void CopySlotsFrom(const ZqObjectBase& other);
+  // Calls visit(slot, value) for every slot that exists, in no particular order.
+  template <class Visit>
+  void ForEachSlot(Visit visit) const {
+    if (m_map) m_map->ForEach(visit);
+  }
+
+  int32_t slotCount; // 0 or less: none at all
+  uint32_t defaultKind = kUnset;
+
+private:
+  SlotMap* m_map = nullptr;
+};
+
+// The object behind `global`; made at load, lives to the end of the game. Null before.
+ZqObjectBase* GlobalObject();
+
+} // namespace vesk

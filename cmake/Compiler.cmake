@@ -1,0 +1,25 @@
+# One dialect and one set of warnings for everything.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+
+# Positions and speeds are 32-bit by design and every rounding counts: no contraction, no x87, no fast math.
+add_compile_options(-ffp-contract=off)
+set(CMAKE_CXX_FLAGS_RELEASE "-O2 -g1")
+set(VESK_WARNINGS -Wall -Wextra -Wpedantic -Wconversion -Wno-sign-conversion -Wshadow=local -Wnon-virtual-dtor
+                  -Woverloaded-virtual -Wimplicit-fallthrough -Werror)
+if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+  list(TRANSFORM VESK_WARNINGS REPLACE "^-Wshadow=local$" "-Wshadow")
+endif()
+
+if(VESK_SANITIZE)
+  add_compile_options(-fsanitize=${VESK_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${VESK_SANITIZE})
+endif()
+
+find_program(CCACHE ccache)
+if(CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+endif()
