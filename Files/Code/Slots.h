@@ -1,5 +1,7 @@
 #pragma once
-// Variables of instances and of the global object: values behind small slot numbers, made on first use.#include "Files/Code/Value.h"
+// Variables of instances and of the global object: values behind small slot numbers, made on first use.
+#include "Files/Code/SlotMap.h"
+#include "Files/Code/Value.h"
 
 #include <cstdint>
 

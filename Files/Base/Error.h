@@ -1,0 +1,37 @@
+#pragma once
+// The report path that every error of the runner and of scripts takes: call chain, text, channels, box.
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace vesk {
+
+#define VESK_PRINTF(formatAt, firstAt) __attribute__((format(printf, formatAt, firstAt)))
+
+// A script-level fatal error: reports with the call stack, then ends the game the ordinary way. It returns,
+// and callers give their neutral value.
+void ShowError(const char* format, ...) VESK_PRINTF(1, 2);
+// A non-fatal error of a built-in: the player may ignore it and the script goes on.
+void ReportError(const char* format, ...) VESK_PRINTF(1, 2);
+// Both end here.
+void ReportError(std::string_view text, bool fatal);
+
+// Where a shader fails to compile the report is headed differently.
+enum class ShaderStage { kVertex, kFragment };
+void ReportShaderError(ShaderStage stage, std::string_view text);
+
+struct ErrorState {
+  std::string last;      // error_last
+  bool occurred = false; // error_occurred
+  bool inError = false;  // a fatal report was made; the game is on its way out
+  bool capture = false;  // script errors only set `captured`
+  bool captured = false;
+  bool showBox = true;    // cleared by -noerrors and -headless
+  bool allFatal = false;  // option: every error counts as fatal
+  int32_t fatalCount = 0; // reports that ended the game, for tests and tools
+  std::string lastReport; // the whole text of the last report
+};
+ErrorState& Error();
+void Error_Reset();
+
+} // namespace vesk

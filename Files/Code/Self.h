@@ -1,0 +1,293 @@
+#pragma once
+// How rules read and write variables as they are spoken:
+//
+//     if (self[hspeed] < 3) self[hspeed] += 0.06;      built-in variable: setter and side effects run
+//     self[hp] -= self[damage];                        script variable: one slot, numeric fast path inline
+//     if (self[x] + 8 >= other[x]) …                   compared as the game compares: within its epsilon
+//     self[alarm][1] = 30;  self[gun][0] = spr_pistol; indexed variables
+//     global[coins] += 1;  view_xview[0] = 0;  health = 25;
+//     with(obj_coin, [&](Self coin) { instance_destroy(coin); });
+#include "Files/Code/Code.h"
+#include "Files/Code/Value.h"
+#include "Files/Object/Instance.h"
+
+#include <cmath>
+#include <concepts>
+#include <cstdint>
+#include <string>
+#include <type_traits>
+
+namespace vesk {
+
+// A number as the game has it: arithmetic is plain, comparison tolerates the epsilon.
+struct Real {
+  double v = 0;
+  constexpr Real() = default;
+  constexpr Real(double value) : v(value) {}
+  template <class T>
+  requires std::is_arithmetic_v<T>
+  constexpr operator T() const { return static_cast<T>(v); }
+};
+template <> inline constexpr Real::operator bool() const { return v > 0.5; }
+
+struct Slot {
+  int32_t number;
+}; // a script variable
+
+// A built-in variable of an instance: its type carries getter and setter.
+template <auto Get, auto Set> struct BuiltinVariable {};
+// A read-only one has no setter.
+inline constexpr std::nullptr_t kReadOnly = nullptr;
+// One with an index, such as alarm.
+template <auto Get, auto Set> struct IndexedVariable {};
+
+template <class V> struct Ref; // what self[variable] yields
+
+namespace detail {
+
+template <class T> inline constexpr bool isGameValue = std::is_same_v<T, Real>;
+template <class V> inline constexpr bool isGameValue<Ref<V>> = true;
+template <class A, class B>
+concept GameNumbers = (isGameValue<A> || isGameValue<B>)&&(isGameValue<A> || std::is_arithmetic_v<A>)&&(
+    isGameValue<B> || std::is_arithmetic_v<B>);
+
+template <class T> constexpr double Number(const T& value) {
+  if constexpr (std::is_arithmetic_v<T>)
+    return static_cast<double>(value);
+  else if constexpr (std::is_same_v<T, Real>)
+    return value.v;
+  else
+    return value.Get();
+}
+template <class A, class B> int Compare(const A& a, const B& b) {
+  const double difference = Number(a) - Number(b);
+  return difference > g_epsilon ? 1 : difference < -g_epsilon ? -1 : 0;
+}
+
+} // namespace detail
+
+// clang-format off
+template <class A, class B> requires detail::GameNumbers<A, B> Real operator+(const A& a, const B& b) { return detail::Number(a) + detail::Number(b); }
+template <class A, class B> requires detail::GameNumbers<A, B> Real operator-(const A& a, const B& b) { return detail::Number(a) - detail::Number(b); }
+template <class A, class B> requires detail::GameNumbers<A, B> Real operator*(const A& a, const B& b) { return detail::Number(a) * detail::Number(b); }
+template <class A, class B> requires detail::GameNumbers<A, B> Real operator/(const A& a, const B& b) { return detail::Number(a) / detail::Number(b); }
+template <class A> requires detail::isGameValue<A> Real operator-(const A& a) { return -detail::Number(a); }
+template <class A, class B> requires detail::GameNumbers<A, B> bool operator==(const A& a, const B& b) { return detail::Compare(a, b) == 0; }
+template <class A, class B> requires detail::GameNumbers<A, B> bool operator!=(const A& a, const B& b) { return detail::Compare(a, b) != 0; }
+template <class A, class B> requires detail::GameNumbers<A, B> bool operator<(const A& a, const B& b) { return detail::Compare(a, b) < 0; }
+template <class A, class B> requires detail::GameNumbers<A, B> bool operator>(const A& a, const B& b) { return detail::Compare(a, b) > 0; }
+template <class A, class B> requires detail::GameNumbers<A, B> bool operator<=(const A& a, const B& b) { return detail::Compare(a, b) <= 0; }
+template <class A, class B> requires detail::GameNumbers<A, B> bool operator>=(const A& a, const B& b) { return detail::Compare(a, b) >= 0; }
+// clang-format on
+
+// Reading and arithmetic assignment, written once for every kind of variable.
+template <class R> struct NumberRef {
+  template <class T>
+  requires(std::is_arithmetic_v<T> && !std::is_same_v<T, bool>) operator T() const {
+    return static_cast<T>(self().Get());
+  }
+  operator bool() const { return self().Get() > 0.5; }
+  R& operator+=(double d) { return self() = self().Get() + d; }
+  R& operator-=(double d) { return self() = self().Get() - d; }
+  R& operator*=(double d) { return self() = self().Get() * d; }
+  R& operator/=(double d) { return self() = self().Get() / d; }
+  template <class T>
+  requires detail::isGameValue<T> R& operator+=(const T& d) { return *this += detail::Number(d); }
+  template <class T>
+  requires detail::isGameValue<T> R& operator-=(const T& d) { return *this -= detail::Number(d); }
+  template <class T>
+  requires detail::isGameValue<T> R& operator*=(const T& d) { return *this *= detail::Number(d); }
+
+private:
+  R& self() { return static_cast<R&>(*this); }
+  const R& self() const { return static_cast<const R&>(*this); }
+};
+
+struct Element {};
+
+// An element of an array variable; written, it makes or grows the array.
+template <> struct Ref<Element> : NumberRef<Ref<Element>> {
+  RValue& array;
+  int64_t index;
+  Ref(RValue& value, int64_t at) : array(value), index(at) {}
+  const RValue& value() const { return ArrayElementChecked(array, index); }
+  double Get() const { return ValueAsReal(value()); }
+  std::string text() const { return ValueAsText(value()); }
+  template <class T>
+  requires(std::is_arithmetic_v<T>) Ref& operator=(T d) {
+    ArrayWrite(array, index, RValue(static_cast<double>(d)));
+    return *this;
+  }
+  Ref& operator=(Real d) { return *this = d.v; }
+  Ref& operator=(const RValue& v) {
+    ArrayWrite(array, index, v);
+    return *this;
+  }
+  Ref& operator=(const Ref& o) { return *this = RValue(o.value()); }
+};
+
+template <> struct Ref<Slot> : NumberRef<Ref<Slot>> {
+  RValue& v;
+  explicit Ref(RValue& value) : v(value) {}
+  double Get() const { return ValueAsReal(v); }
+  const RValue& value() const { return v; }
+  std::string text() const { return ValueAsText(v); }
+  bool isString() const { return v.IsString(); }
+  // The element; row and column for two dimensions.
+  Ref<Element> operator[](int64_t column) const { return {v, column}; }
+  Ref<Element> at(int64_t row, int64_t column) const { return {v, row * kRowStride + column}; }
+  template <class T>
+  requires(std::is_arithmetic_v<T>) Ref& operator=(T d) {
+    v.SetReal(static_cast<double>(d));
+    return *this;
+  }
+  Ref& operator=(Real d) { return *this = d.v; }
+  Ref& operator=(const char* text) {
+    v.SetString(text);
+    return *this;
+  }
+  Ref& operator=(std::string_view text) {
+    v.SetString(text);
+    return *this;
+  }
+  Ref& operator=(const std::string& text) {
+    v.SetString(text);
+    return *this;
+  }
+  Ref& operator=(const RValue& value) {
+    v = value;
+    return *this;
+  }
+  Ref& operator=(const Ref& o) {
+    v = o.v;
+    return *this;
+  }
+  template <class V>
+  requires(!std::is_same_v<V, Slot>) Ref& operator=(const Ref<V>& o) { return *this = o.Get(); }
+};
+inline bool operator==(const Ref<Slot>& a, std::string_view b) { return a.v.IsString() && a.v.Text() == b; }
+inline bool operator==(const Ref<Slot>& a, const char* b) { return a == std::string_view(b); }
+inline bool operator==(const Ref<Slot>& a, const std::string& b) { return a == std::string_view(b); }
+
+template <auto GetIt, auto SetIt>
+struct Ref<BuiltinVariable<GetIt, SetIt>> : NumberRef<Ref<BuiltinVariable<GetIt, SetIt>>> {
+  CInstance& i;
+  explicit Ref(CInstance& instance) : i(instance) {}
+  double Get() const { return GetIt(i); }
+  template <class T>
+  requires(std::is_arithmetic_v<T> && !std::is_null_pointer_v<decltype(SetIt)>) Ref& operator=(T d) {
+    SetIt(i, static_cast<double>(d));
+    return *this;
+  }
+  Ref& operator=(Real d) { return *this = d.v; }
+  Ref& operator=(const Ref& o) { return *this = o.Get(); }
+  template <class V> Ref& operator=(const Ref<V>& o) { return *this = o.Get(); }
+};
+
+template <auto GetIt, auto SetIt> struct IndexedElement : NumberRef<IndexedElement<GetIt, SetIt>> {
+  CInstance& i;
+  int index;
+  IndexedElement(CInstance& instance, int at) : i(instance), index(at) {}
+  double Get() const { return GetIt(i, index); }
+  template <class T>
+  requires(std::is_arithmetic_v<T>) IndexedElement& operator=(T d) {
+    SetIt(i, index, static_cast<double>(d));
+    return *this;
+  }
+  IndexedElement& operator=(Real d) { return *this = d.v; }
+  IndexedElement& operator=(const IndexedElement& o) { return *this = o.Get(); }
+  template <class V> IndexedElement& operator=(const Ref<V>& o) { return *this = o.Get(); }
+};
+template <auto GetIt, auto SetIt> struct Ref<IndexedVariable<GetIt, SetIt>> {
+  CInstance& i;
+  IndexedElement<GetIt, SetIt> operator[](int index) const { return {i, index}; }
+};
+namespace detail {
+template <auto G, auto S> inline constexpr bool isGameValue<IndexedElement<G, S>> = true;
+} // namespace detail
+
+// Handle of an instance; null when there is none. A copy names the same instance.
+struct Self {
+  CInstance* instance = nullptr;
+
+  Self() = default;
+  explicit Self(CInstance* it) : instance(it) {}
+  explicit operator bool() const { return instance != nullptr; }
+  bool operator==(const Self& o) const { return instance == o.instance; }
+  int32_t number() const { return instance ? instance->id : noone; } // the id
+
+  Ref<Slot> operator[](Slot slot) const { return Ref<Slot>(instance->GetSlot(slot.number)); }
+  template <auto G, auto S> Ref<BuiltinVariable<G, S>> operator[](BuiltinVariable<G, S>) const {
+    return Ref<BuiltinVariable<G, S>>(*instance);
+  }
+  template <auto G, auto S> Ref<IndexedVariable<G, S>> operator[](IndexedVariable<G, S>) const {
+    return {*instance};
+  }
+};
+using Other = Self;
+
+inline void EventFunction::operator()(CInstance* self, CInstance* other) const {
+  if (m_self)
+    m_self(Self(self));
+  else if (m_pair)
+    m_pair(Self(self), Self(other));
+}
+
+// The global object: global[coins].
+struct Global {
+  Ref<Slot> operator[](Slot slot) const { return Ref<Slot>(GlobalObject()->GetSlot(slot.number)); }
+};
+inline constexpr Global global{};
+
+// A built-in variable of the run or the room: health = 25; room_width.
+template <auto GetIt, auto SetIt> struct RunVariable : NumberRef<RunVariable<GetIt, SetIt>> {
+  double Get() const { return GetIt(); }
+  template <class T>
+  requires(std::is_arithmetic_v<T> && !std::is_null_pointer_v<decltype(SetIt)>) RunVariable& operator=(T d) {
+    SetIt(static_cast<double>(d));
+    return *this;
+  }
+  RunVariable& operator=(Real d) { return *this = d.v; }
+  template <class V> RunVariable& operator=(const Ref<V>& o) { return *this = o.Get(); }
+};
+template <auto GetIt, auto SetIt> struct RunElement : NumberRef<RunElement<GetIt, SetIt>> {
+  int index;
+  explicit RunElement(int at) : index(at) {}
+  double Get() const { return GetIt(index); }
+  template <class T>
+  requires(std::is_arithmetic_v<T> && !std::is_null_pointer_v<decltype(SetIt)>) RunElement& operator=(T d) {
+    SetIt(index, static_cast<double>(d));
+    return *this;
+  }
+  RunElement& operator=(Real d) { return *this = d.v; }
+  template <class V> RunElement& operator=(const Ref<V>& o) { return *this = o.Get(); }
+};
+// One with an index: view_xview[0].
+template <auto GetIt, auto SetIt> struct RunArray {
+  RunElement<GetIt, SetIt> operator[](int index) const { return RunElement<GetIt, SetIt>(index); }
+};
+namespace detail {
+template <auto G, auto S> inline constexpr bool isGameValue<RunVariable<G, S>> = true;
+template <auto G, auto S> inline constexpr bool isGameValue<RunElement<G, S>> = true;
+} // namespace detail
+
+// ---- reaching others ----
+
+// The instances of `target` (object, id, all), collected first; body(Self) runs on each, newest first. A body
+// that returns bool ends the loop with false. `self` is the surrounding instance, needed only for targets
+// self and other.
+template <class Body> void with(int32_t target, Body body, Self self = {}, Self other = {}) {
+  for (CInstance* it : WithTargets(self.instance, other.instance, target)) {
+    if constexpr (std::is_same_v<std::invoke_result_t<Body, Self>, bool>) {
+      if (!body(Self(it))) return;
+    } else {
+      body(Self(it));
+    }
+  }
+}
+
+// The instance that `target.variable` reads from: the first live one of an object or its descendants, or the
+// live instance of that id; null when there is none.
+Self first(int32_t target);
+
+} // namespace vesk

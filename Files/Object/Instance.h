@@ -1,0 +1,113 @@
+#pragma once
+// One live thing in a room: built-in state in fixed fields, script variables in slots.
+// Positions are room pixels, speeds pixels a step, angles degrees counter-clockwise; all stored as 32-bit
+// floats.
+#include "Files/Code/Slots.h"
+
+#include <cstdint>
+
+namespace vesk {
+
+class CObjectFb;
+class CCode;
+
+inline constexpr int kAlarmCount = 12;
+
+// Names of instances that aren't ids.
+inline constexpr int32_t self_ = -1;
+inline constexpr int32_t other_ = -2;
+inline constexpr int32_t all = -3;
+inline constexpr int32_t noone = -4;
+inline constexpr int32_t kFirstInstanceId = 100000;
+
+struct BoundingBox {
+  int32_t left = 0, top = 0, right = 0, bottom = 0; // inclusive room pixels
+};
+
+class CInstance : public ZqObjectBase {
+public:
+  // Fields as the object's record gives them; in no list yet. Create has not run.
+  CInstance(CObjectFb* object, float x, float y, int32_t id, int32_t slotCount);
+  ~CInstance() override;
+
+  // Alive for queries and passes: neither destroyed nor deactivated.
+  bool Live() const { return !marked && !deactivated; }
+
+  // ---- setters with side effects; plain fields are written directly ----
+  void SetPosition(float newX, float newY);
+  void SetHspeed(float value);
+  void SetVspeed(float value);
+  void SetSpeed(float value);
+  void SetDirection(float value);
+  void SetSpriteIndex(int32_t value);
+  void SetMaskIndex(int32_t value);
+  void SetImageXScale(float value);
+  void SetImageYScale(float value);
+  void SetImageAngle(float value);
+  void SetDepth(float value); // takes its new place in the room's order at the next clean-up
+  void SetImageSingle(float value);
+  void MotionAdd(float dir, float amount);
+  void SpeedToVector();
+  void VectorToSpeed();
+  void ApplyFrictionAndGravity();
+  // Advances image_index; true when it wrapped and the animation-end event is due.
+  bool AdvanceImage();
+
+  const BoundingBox& Bounds(); // recomputed when dirty
+  // The sprite that collision uses; -1 none.
+  int32_t ShapeSprite() const { return maskIndex >= 0 ? maskIndex : spriteIndex; }
+  float SpriteWidth() const, SpriteHeight() const, SpriteXOffset() const, SpriteYOffset() const;
+  int32_t ImageNumber() const;
+  float ImageSingle() const;
+
+  bool bboxDirty = true;
+  bool visible = true;
+  bool solid = false;
+  bool persistent = false;
+  bool marked = false; // destroyed, waiting for removal
+  bool deactivated = false;
+  bool destroyEventDone = false;
+  bool carriedOver = false; // came from the previous room: Create does not run again
+  bool created = false;
+  bool precise = false;
+  uint64_t creationStamp = 0;
+  int32_t id;
+  int32_t objectIndex;
+  CObjectFb* object;
+  int32_t spriteIndex = -1;
+  float imageIndex = 0;
+  float imageSpeed = 1; // frames a step
+  float imageXScale = 1, imageYScale = 1;
+  float imageAngle = 0;
+  float imageAlpha = 1;
+  uint32_t imageBlend = 0xFFFFFF; // 24-bit, red in the high byte: swapped against the script's colour
+  int32_t maskIndex = -1;
+  float x, y;
+  float xStart, yStart;
+  float xPrevious, yPrevious;
+  float direction = 0, speed = 0; // degrees 0 to under 360
+  float friction = 0;
+  float gravityDirection = 270, gravity = 0;
+  float hspeed = 0, vspeed = 0;
+  BoundingBox bbox;
+  int32_t alarm[kAlarmCount]; // -1 off
+  int32_t pathIndex = -1;
+  float pathPosition = 0, pathPositionPrevious = 0, pathSpeed = 0, pathScale = 1, pathOrientation = 0;
+  int32_t pathEndAction = 0;
+  float pathXStart = 0, pathYStart = 0;
+  int32_t timelineIndex = -1;
+  float timelinePrevious = 0, timelinePosition = 0, timelineSpeed = 1;
+  bool timelineRunning = false, timelineLoop = false;
+  bool outsideRoom = false;
+  uint8_t mouseInside = 2;       // bits 0 inside, 1 outside, 2 and 3 their changes
+  CCode* creationCode = nullptr; // owned by the code registry
+  CCode* preCreateCode = nullptr;
+  CObjectFb* previousObject = nullptr; // between instance_change and the next clean-up
+  int32_t layerId = -1;
+  CInstance* next = nullptr; // links of the room's active or inactive list
+  CInstance* previous = nullptr;
+  float depth = 0;
+  float sortDepth = 0; // the depth under which it stands in the list
+};
+
+} // namespace vesk
