@@ -71,6 +71,7 @@ public:
   size_t Read(void* bytes, size_t count);        // bytes read; less at the end
   size_t Write(const void* bytes, size_t count); // bytes written; less on failure
   bool Flush();
+  bool Sync(); // flushed to the disk itself
   bool Seek(int64_t offset, int origin = SEEK_SET);
   int64_t Tell() const;
   int64_t Size();

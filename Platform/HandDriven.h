@@ -1,11 +1,12 @@
 #pragma once
 // A platform that a test or a script drives: virtual clock, injected messages, pads of numbers, no window, no
 // sound card.
+#include "Platform/KeyCodes.h"
 #include "Platform/Platform.h"
+#include "Platform/Text.h"
 
-#include <array>
 #include <deque>
-#include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -14,29 +15,29 @@ namespace vesk {
 class CQueuedMessages final : public IMessages {
 public:
   bool Next(Message& message) override;
-  void Post(const Message& message) override { m_waiting.push_back(message); }
-  bool KeyHeld(int key) const override;
-  bool KeyHeldNow(int key) override;
-  bool KeyToggled(int key) const override;
+  void Post(const Message& message) override;
+  bool KeyHeld(int key) const override { return m_states.Held(key); }
+  bool KeyHeldNow(int key) override { return m_statesNow.Held(key); }
+  bool KeyToggled(int key) const override { return m_states.Toggled(key); }
   void InjectKey(int key, bool down) override { Key(key, down); }
 
-  // Plain gestures; each posts what a window would. A key that is down repeats when it is pressed again.
-  void Key(int key, bool down);
+  // Plain gestures; each posts what a window with a US keyboard would. A held key that is pressed again
+  // repeats.
+  void Key(int key, bool down);      // with the character that it gives
+  void KeyAlone(int key, bool down); // without
   void Character(char16_t unit);
-  void Text(const std::string& utf8); // one character message a UTF-16 unit
+  void Text(const std::string& utf8); // one character message a UTF-16 unit, no keys
   void Mouse(int32_t x, int32_t y);
   void Button(int button, bool down); // at the last mouse position
   void Wheel(int32_t delta);
   void Activate(bool active);
+  void PadsChanged();
   void Close();
 
 private:
-  static void Track(std::array<bool, 256>& held, const Message& message);
-
   std::deque<Message> m_waiting;
-  std::array<bool, 256> m_held{};    // as of the messages taken
-  std::array<bool, 256> m_heldNow{}; // as of the messages posted
-  std::array<bool, 256> m_toggled{};
+  CKeyStates m_states;    // as of the messages taken
+  CKeyStates m_statesNow; // as of the messages posted
   int32_t m_x = 0;
   int32_t m_y = 0;
 };
@@ -132,11 +133,11 @@ public:
   // Attach and Detach do not post PadsChanged; the caller does.
   int32_t Attach(const PadInfo& info); // the device's number
   void Detach(int32_t device);
-  Device* Find(int32_t device); // null when detached
+  Device* Find(int32_t device); // null when detached; stays where it is while attached
   bool available = true;
 
 private:
-  std::vector<Device> m_devices;
+  std::vector<std::unique_ptr<Device>> m_devices;
   int32_t m_next = 0;
 };
 
