@@ -137,7 +137,7 @@ struct Options {
   uint32_t flags = 0xCC7A24;
   int32_t scale = -1;
   uint32_t windowColour = 0, colourDepth = 0, resolution = 0, frequency = 0, verticalSync = 0;
-  std::vector<std::pair<std::string, std::string>> constants = {{"@@SleepMargin", "10"},
+  std::vector<std::pair<std::string, std::string>> constants = {{"@@SleepMargin", "0"},
                                                                 {"@@DrawColour", "4294967295"}};
 };
 
