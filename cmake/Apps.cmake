@@ -9,6 +9,7 @@ function(vesk_app name)
   endif()
 endfunction()
 
+vesk_app(vesk-studio pack)
 vesk_app(vesk-pack game pack)
 
 # The container is compiled from the sources in assets/ and from the game's own tables, by the tool just built.
