@@ -4,12 +4,11 @@
 // floats.
 #include "Files/Code/Slots.h"
 
+#include "Files/Object/Object.h"
+
 #include <cstdint>
 
 namespace vesk {
-
-class CObjectFb;
-class CCode;
 
 inline constexpr int kAlarmCount = 12;
 
@@ -29,6 +28,10 @@ public:
   // Fields as the object's record gives them; in no list yet. Create has not run.
   CInstance(CObjectFb* object, float x, float y, int32_t id, int32_t slotCount);
   ~CInstance() override;
+
+  // All fields and variables but id, links, place in the lists and stamp. Brings the object lists of an
+  // instance that stands in some up to date.
+  void CopyStateFrom(const CInstance& from);
 
   // Alive for queries and passes: neither destroyed nor deactivated.
   bool Live() const { return !marked && !deactivated; }
@@ -60,6 +63,8 @@ public:
   int32_t ImageNumber() const;
   float ImageSingle() const;
 
+  // ---- first what the loops over all instances read, together in memory ----
+  CInstance* next = nullptr; // links of the room's active or inactive list
   bool bboxDirty = true;
   bool visible = true;
   bool solid = false;
@@ -68,31 +73,33 @@ public:
   bool deactivated = false;
   bool destroyEventDone = false;
   bool carriedOver = false; // came from the previous room: Create does not run again
-  bool created = false;
-  bool precise = false;
+  float x, y;
+  float xPrevious, yPrevious;
+  float pathPosition = 0, pathPositionPrevious = 0;
+  float imageIndex = 0;
+  float imageSpeed = 1; // frames a step
+  int32_t spriteIndex = -1;
+  int32_t pathIndex = -1;
+  float hspeed = 0, vspeed = 0;
+  float friction = 0, gravity = 0;
+  CObjectFb* object;
+
   uint64_t creationStamp = 0;
   int32_t id;
   int32_t objectIndex;
-  CObjectFb* object;
-  int32_t spriteIndex = -1;
-  float imageIndex = 0;
-  float imageSpeed = 1; // frames a step
+  bool created = false;
+  bool precise = false;
+  int32_t maskIndex = -1;
+  BoundingBox bbox;
   float imageXScale = 1, imageYScale = 1;
   float imageAngle = 0;
   float imageAlpha = 1;
   uint32_t imageBlend = 0xFFFFFF; // 24-bit, red in the high byte: swapped against the script's colour
-  int32_t maskIndex = -1;
-  float x, y;
   float xStart, yStart;
-  float xPrevious, yPrevious;
   float direction = 0, speed = 0; // degrees 0 to under 360
-  float friction = 0;
-  float gravityDirection = 270, gravity = 0;
-  float hspeed = 0, vspeed = 0;
-  BoundingBox bbox;
+  float gravityDirection = 270;
   int32_t alarm[kAlarmCount]; // -1 off
-  int32_t pathIndex = -1;
-  float pathPosition = 0, pathPositionPrevious = 0, pathSpeed = 0, pathScale = 1, pathOrientation = 0;
+  float pathSpeed = 0, pathScale = 1, pathOrientation = 0;
   int32_t pathEndAction = 0;
   float pathXStart = 0, pathYStart = 0;
   int32_t timelineIndex = -1;
@@ -100,14 +107,17 @@ public:
   bool timelineRunning = false, timelineLoop = false;
   bool outsideRoom = false;
   uint8_t mouseInside = 2;       // bits 0 inside, 1 outside, 2 and 3 their changes
-  CCode* creationCode = nullptr; // owned by the code registry
+  CCode* creationCode = nullptr; // owned by the room template
   CCode* preCreateCode = nullptr;
   CObjectFb* previousObject = nullptr; // between instance_change and the next clean-up
   int32_t layerId = -1;
-  CInstance* next = nullptr; // links of the room's active or inactive list
   CInstance* previous = nullptr;
   float depth = 0;
-  float sortDepth = 0; // the depth under which it stands in the list
+  float sortDepth = 0;         // the depth under which it stands in the list
+  uint64_t listOrder = 0;      // grows with each entry into a room list
+  bool inInactiveList = false; // of the room's two lists
+  bool inResortList = false, inChangeList = false, inDeactivationList = false;
+  InstanceList::Node* nodes = nullptr; // its places in the lists of objects
 };
 
 } // namespace vesk

@@ -13,23 +13,33 @@ namespace vesk {
 
 class CInstance;
 class ContainerView;
+struct LoadError;
 
-// A doubly linked list of instances in order of insertion.
+// A doubly linked list of instances in order of insertion. Nodes come from a pool that all lists share; the
+// instance keeps those it stands under, so that it leaves every list in constant time.
 class InstanceList {
 public:
   struct Node {
     Node* next;
     Node* previous;
     CInstance* instance;
+    InstanceList* list;
+    Node* sibling; // the same instance in the next of its lists
   };
   InstanceList() = default;
-  ~InstanceList();
+  ~InstanceList(); // takes the nodes out; the instances stay
   InstanceList(const InstanceList&) = delete;
   InstanceList& operator=(const InstanceList&) = delete;
 
   Node* head = nullptr;
   Node* tail = nullptr;
   int32_t count = 0;
+
+  void Append(CInstance* instance);
+  static void RemoveFromAll(CInstance* instance);
+
+private:
+  void Unlink(Node* node);
 };
 
 // One event of one object. Owns its code.
@@ -54,14 +64,19 @@ public:
   CObjectFb* parent = nullptr;
   std::array<std::vector<std::unique_ptr<CEvent>>, kEventTypeCount> eventTable; // by type, then subtype
   InstanceList instances;                                                       // of exactly this object
-  InstanceList instancesRecursive; // of this object or any descendant
+  InstanceList instancesRecursive;  // of this object or any descendant
+  bool handlesAnimationEnd = false; // itself or an ancestor; set by BuildEventLists
 
   // This object only; null when it has no such event. A bad type or subtype is an error report.
   CEvent* FindEvent(int32_t type, int32_t subtype) const;
+  // Makes the slot or replaces its code.
+  void SetEvent(int32_t type, int32_t subtype, int32_t codeIndex);
   // An object is not its own descendant.
   bool IsDescendantOf(int32_t ancestor) const;
   // Walks up the parents, without the collision rule.
   bool HasHandler(int32_t type, int32_t subtype) const;
+  // At the tails of this object's list and the recursive lists up the parents. An instance stands in the
+  // lists of one object at a time: for one that stands in lists already nothing happens.
   void AddInstance(CInstance* instance);
   void RemoveInstance(CInstance* instance);
 };
@@ -94,5 +109,9 @@ int32_t Object_FindByName(std::string_view name); // first of that name, -1 none
 const char* Object_Name(int32_t index);           // "<undefined>" for an unknown one
 // After all objects are loaded, and again only when the table changes.
 void BuildEventLists();
+// Appends the objects of an OBJT chunk; `chunk` is the offset of its body. Parents are resolved at the end.
+LoadError Object_LoadChunk(const ContainerView& container, uint32_t chunk, uint32_t size);
+// A new object at the end of the table, for objects that no container describes.
+CObjectFb& Object_Add(std::string name);
 
 } // namespace vesk

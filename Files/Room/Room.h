@@ -1,6 +1,8 @@
 #pragma once
 // Rooms: the templates of the container and the running copy in which instances and tiles live.
 #include "Files/Code/Code.h"
+#include "Files/Room/FlatTable.h"
+#include "Files/Room/Tile.h"
 
 #include <array>
 #include <cstdint>
@@ -11,6 +13,8 @@
 namespace vesk {
 
 class CInstance;
+class ContainerView;
+struct LoadError;
 
 inline constexpr int kRoomSlots = 8; // backgrounds and views of a room
 
@@ -46,23 +50,43 @@ struct ViewSlot {
   int32_t camera = -1;
 };
 
-struct Tile {
-  float x, y; // room pixels
-  int32_t background;
-  int32_t left, top, width, height; // pixels of the background
-  float depth;
-  int32_t id;
-  float xscale = 1, yscale = 1;
-  uint32_t blend = 0xFFFFFF; // as scripts have colours: red in the low byte
-  float alpha = 1;
-  bool visible = true;
-};
-
-// Doubly linked through the instances themselves.
+// Doubly linked through the instances themselves. An instance is in at most one room list.
 struct RoomList {
   CInstance* head = nullptr;
   CInstance* tail = nullptr;
   int32_t count = 0;
+};
+
+// In order of deactivation.
+struct InactiveList : RoomList {
+  void Append(CInstance* instance);
+  void Remove(CInstance* instance);
+};
+
+// Sorted by depth, ascending from head to tail; among equal depths the newest is nearest the tail.
+struct ActiveList : RoomList {
+  // Behind the last one whose depth is less or equal. The cost depends on the number of different depths.
+  void InsertSorted(CInstance* instance);
+  void Remove(CInstance* instance);
+
+private:
+  struct Band {
+    float depth;
+    CInstance* tail;
+    int32_t count;
+  };
+  std::vector<Band> m_bands; // one a depth, ascending
+};
+
+// An instance that a room makes when it is built.
+struct InstanceTemplate {
+  int32_t x = 0, y = 0;
+  int32_t object = -1;
+  int32_t id = 0;
+  std::shared_ptr<CCode> creationCode, preCreateCode;
+  float xscale = 1, yscale = 1;
+  uint32_t colour = 0xFFFFFFFF; // low three bytes blend, top byte alpha
+  float rotation = 0;
 };
 
 class CRoom {
@@ -81,11 +105,13 @@ public:
   bool clearViews = true;
   std::array<ViewSlot, kRoomSlots> views;
   std::shared_ptr<CCode> creationCode;
-  RoomList active;                    // depth ascending from head to tail
-  RoomList inactive;                  // in order of deactivation
+  ActiveList active;
+  InactiveList inactive;
   std::vector<int32_t> creationOrder; // ids in file order, between build and the end of room start
-  std::vector<Tile> tiles;            // sorted by depth, highest first, when a draw pass begins
-  const uint8_t* source = nullptr;    // the room's record in the container
+  TileList tiles;                     // of a running room
+  std::vector<InstanceTemplate> instanceTemplates; // of a template
+  std::vector<Tile> tileTemplates;                 // of a template
+  const uint8_t* source = nullptr;                 // the room's record in the container
 };
 
 struct RoomState {
@@ -95,7 +121,9 @@ struct RoomState {
   CRoom* current = nullptr;
   int32_t currentIndex = -1;
   int32_t request = kNoRoomRequest;
-  int32_t nextInstanceId = 100000; // the last id given
+  FlatTable<int32_t, CInstance*> instances;        // all of the current room, active and inactive, by id
+  std::vector<std::unique_ptr<CInstance>> carried; // persistent ones, between two rooms
+  int32_t nextInstanceId = 100000;                 // the last id given
   int32_t nextTileId = 10000000;
   uint64_t passCounter = 0;
   int64_t frameCounter = 0;
@@ -109,10 +137,38 @@ inline CRoom* CurrentRoom() { return Rooms().current; }
 CInstance* Instance_Find(int32_t id); // active or not; null for an unknown or negative id
 int32_t instance_create(float x, float y, int32_t object); // id, -1 with an error report
 
+// A new instance of the current room with a fresh id, in the room list and the table; no event has run.
+CInstance* Instance_Add(CObjectFb* object, float x, float y);
+// Leaves the table and its room list, and is deleted. No event runs.
+void Instance_Remove(CInstance* instance);
+
+// ---- rooms as assets ----
+
+CRoom* Room_Find(int32_t index); // the template; null for an index that names none
+// Appends the rooms of a ROOM chunk as templates; `chunk` is the offset of its body. Backgrounds must be
+// loaded.
+LoadError Room_LoadChunk(const ContainerView& container, uint32_t chunk, uint32_t size);
+
 // ---- room flow, called by the frame function ----
 
+// Both run events; a request made in them is left in Rooms().request.
 void Room_Start(int32_t room, bool first);
 void Room_End(bool gameEnding);
-void SwitchRoom(int32_t room);
+void SwitchRoom(int32_t room); // Room_End and Room_Start
+
+// The part of the start and the end of a game that concerns rooms: the first room of the order is started,
+// and a request made there followed once; at the end the closing events run and every running room is
+// destroyed.
+void Room_StartGame();
+void Room_EndGame();
+
+// ---- before each draw pass ----
+
+void UpdateViews(); // views follow their objects
+// How ports map to the application surface; 1 without a visible view.
+struct PortScale {
+  double x = 1, y = 1;
+};
+PortScale ViewPortScale(const CRoom& room, int32_t surfaceWidth, int32_t surfaceHeight);
 
 } // namespace vesk

@@ -1,0 +1,70 @@
+#pragma once
+// The tiles of a running room, in drawing order, with look-ups by id and by place.
+#include "Files/Room/FlatTable.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace vesk {
+
+struct Tile {
+  float x = 0, y = 0; // room pixels
+  int32_t background = -1;
+  int32_t left = 0, top = 0, width = 0, height = 0; // pixels of the background
+  float depth = 0;
+  int32_t id = -1; // below 0: deleted, and gone after the next SortByDepth
+  float xscale = 1, yscale = 1;
+  uint32_t blend = 0xFFFFFF; // as scripts have colours: red in the low byte
+  float alpha = 1;
+  bool visible = true; // false for a deleted one
+};
+
+class TileList {
+public:
+  using const_iterator = std::vector<Tile>::const_iterator;
+  // Deleted tiles still stand in between until the next SortByDepth; they are not visible.
+  const_iterator begin() const { return m_tiles.begin(); }
+  const_iterator end() const { return m_tiles.end(); }
+  size_t size() const { return m_tiles.size(); }
+  bool empty() const { return m_tiles.empty(); }
+  const Tile& operator[](size_t index) const { return m_tiles[index]; }
+  size_t LiveCount() const { return m_tiles.size() - m_deleted; }
+
+  void Add(const Tile& tile); // last among its depth
+  const Tile* Find(int32_t id) const;
+  // The tile for writing any field but the id; null when there is none. Good until the next change of the
+  // list.
+  Tile* Edit(int32_t id);
+  bool Delete(int32_t id);
+  // The tile of exactly this depth that contains the point and whose centre is nearest; null none.
+  const Tile* FindAt(float depth, float x, float y) const;
+  // Calls change(tile) for each tile of exactly this depth.
+  template <class Change> void ForEachAtDepth(float depth, Change change) {
+    for (Tile& tile : m_tiles)
+      if (tile.id >= 0 && tile.depth == depth) change(tile);
+    m_placesValid = false;
+  }
+  // Highest depth first, stable. At the start of each draw pass; costs one scan when nothing is out of order.
+  void SortByDepth();
+  void Clear() { *this = TileList(); }
+
+private:
+  struct PlaceEntry {
+    uint32_t tile;
+    int32_t next; // -1 last
+  };
+  void IndexIds();
+  void IndexPlaces() const;
+  void IndexPlace(uint32_t index) const;
+
+  std::vector<Tile> m_tiles;
+  size_t m_deleted = 0;
+  FlatTable<int32_t, uint32_t> m_byId;
+  // Tiles by depth and cell, made when a search by place asks for it.
+  mutable FlatTable<uint64_t, int32_t> m_byPlace; // first entry + 1
+  mutable std::vector<PlaceEntry> m_places;
+  mutable std::vector<uint32_t> m_wide; // tiles that cover very many cells
+  mutable bool m_placesValid = false;
+};
+
+} // namespace vesk
