@@ -23,9 +23,10 @@ Palette::Palette(const std::filesystem::path& file) : ramps_(1) {
     if (!(words >> name)) continue;
     std::vector<uint32_t> ramp;
     while (words >> word) {
-      if (const size_t dot = word.find('.'); dot != std::string::npos) { // a step of an earlier ramp
+      // A step of an earlier ramp; its name alone is its step 0.
+      if (const size_t dot = word.find('.'); dot != std::string::npos || Ramp(word)) {
         const int other = Ramp(word.substr(0, dot));
-        const int step = std::atoi(word.c_str() + dot + 1);
+        const int step = dot == std::string::npos ? 0 : std::atoi(word.c_str() + dot + 1);
         if (!other || step < 0 || step >= Steps(other)) fail("no colour " + word);
         ramp.push_back(ramps_[other][step]);
         continue;

@@ -379,14 +379,17 @@ Library::Library(const std::filesystem::path& folder, const Palette& palette) : 
   std::vector<std::string> names, order;
   for (const auto& [name, file] : files_) names.push_back(name);
   for (const auto& name : names) Reader(*this, name).CollectNames();
-  std::set<std::string> seen;
+  std::set<std::string> seen, open;
   const std::function<void(const std::string&)> visit = [&](const std::string& name) {
+    if (open.count(name)) throw std::runtime_error("pictures/" + name + ": files use each other in a circle");
     if (!seen.insert(name).second) return;
+    open.insert(name);
     for (const auto& other : files_[name].uses) {
       if (!files_.count(other))
         throw std::runtime_error("pictures/" + name + ": uses " + other + ", which isn't there");
       visit(other);
     }
+    open.erase(name);
     order.push_back(name);
   };
   for (const auto& name : names) visit(name);
