@@ -1,8 +1,9 @@
 #pragma once
-// Open-addressing map from slot number to value with linear probing and the robin-hood rule. Values stand in pooled
-// blocks, so growth moves no value.
+// Open-addressing map from slot number to value with linear probing and the robin-hood rule. Values stand in
+// pooled blocks, so growth moves no value.
 #include "Files/Code/Value.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 
@@ -10,6 +11,8 @@ namespace vesk {
 
 class SlotMap {
 public:
+  SlotMap(const SlotMap&) = delete;
+  SlotMap& operator=(const SlotMap&) = delete;
   struct Entry {
     int32_t key;
     uint32_t hash; // (key + 1) & 0x7FFFFFFF; 0 is empty
@@ -33,8 +36,7 @@ public:
     return Insert(key, newKind);
   }
   uint32_t Count() const { return m_count; }
-  template <class Visit>
-  void ForEach(Visit visit) const {
+  template <class Visit> void ForEach(Visit visit) const {
     for (uint32_t at = 0; at <= m_mask; ++at)
       if (m_entries[at].hash != 0) visit(m_entries[at].key, *m_entries[at].value);
   }
@@ -48,5 +50,12 @@ private:
   uint32_t m_mask;
   uint32_t m_count = 0;
 };
+
+// What the pool of all maps holds, for tests and logs.
+struct SlotPoolUse {
+  size_t buckets; // of 1 MB each
+  size_t values;  // in use
+};
+SlotPoolUse SlotPool();
 
 } // namespace vesk

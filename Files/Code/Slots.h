@@ -4,6 +4,7 @@
 #include "Files/Code/Value.h"
 
 #include <cstdint>
+#include <memory>
 
 namespace vesk {
 
@@ -21,14 +22,16 @@ public:
   ZqObjectBase(const ZqObjectBase&) = delete;
   ZqObjectBase& operator=(const ZqObjectBase&) = delete;
 
-  RValue& GetSlot(int32_t slot) override;
+  RValue& GetSlot(int32_t slot) final {
+    if (!m_map) m_map = std::make_unique<SlotMap>();
+    return m_map->Get(slot, defaultKind);
+  }
   // As GetSlot without creating it; null for a slot that was never named.
-  RValue* FindSlot(int32_t slot) const;
+  RValue* FindSlot(int32_t slot) const { return m_map ? m_map->Find(slot) : nullptr; }
   bool HasSlots() const { return slotCount > 0; }
   void CopySlotsFrom(const ZqObjectBase& other);
   // Calls visit(slot, value) for every slot that exists, in no particular order.
-  template <class Visit>
-  void ForEachSlot(Visit visit) const {
+  template <class Visit> void ForEachSlot(Visit visit) const {
     if (m_map) m_map->ForEach(visit);
   }
 
@@ -36,10 +39,13 @@ public:
   uint32_t defaultKind = kUnset;
 
 private:
-  SlotMap* m_map = nullptr;
+  std::unique_ptr<SlotMap> m_map; // made on first use
 };
 
 // The object behind `global`; made at load, lives to the end of the game. Null before.
 ZqObjectBase* GlobalObject();
+// A new one without any value; the old one dies.
+void GlobalObject_Create(int32_t slotCount);
+void GlobalObject_Reset();
 
 } // namespace vesk

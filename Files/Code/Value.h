@@ -1,6 +1,6 @@
 #pragma once
-// The one value type of the script layer: variables, arguments, results, array elements, data-structure entries.
-// Game thread only. A value owns one reference to the string or array it points at.
+// The one value type of the script layer: variables, arguments, results, array elements, data-structure
+// entries. Game thread only. A value owns one reference to the string or array it points at.
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -31,9 +31,9 @@ enum ValueKind : uint32_t {
 };
 
 inline constexpr uint32_t kKindMask = 0xFFFFFF;
-inline constexpr uint32_t kOwnsObject = 8;          // flag of a pointer value: releasing it deletes the object
+inline constexpr uint32_t kOwnsObject = 8; // flag of a pointer value: releasing it deletes the object
 inline constexpr int32_t kNoIndex = -2147483647 - 1; // array index: the variable as a whole
-inline constexpr int32_t kRowStride = 32000;        // index = row * 32000 + column
+inline constexpr int32_t kRowStride = 32000;         // index = row * 32000 + column
 
 struct RefString {
   char* text; // NUL-terminated UTF-8, owned
@@ -107,6 +107,7 @@ struct alignas(8) RValue {
     kind = kUndefined;
   }
   void SetString(std::string_view text);
+  void SetNumber(ValueKind numberKind, int64_t value); // kInt32 or kInt64
   // The text of a string value, "" for an absent string or another kind. Valid while the value holds it.
   std::string_view Text() const;
 };
@@ -114,11 +115,13 @@ static_assert(sizeof(RValue) == 16);
 
 // Reads with conversion. A kind that can't be converted is a fatal error report; the result is then 0.
 double ValueAsRealSlow(const RValue& value);
-inline double ValueAsReal(const RValue& value) { return value.IsReal() ? value.real : ValueAsRealSlow(value); }
+inline double ValueAsReal(const RValue& value) {
+  return value.IsReal() ? value.real : ValueAsRealSlow(value);
+}
 int32_t ValueAsInt32(const RValue& value); // truncates toward zero
 int64_t ValueAsInt64(const RValue& value);
 void* ValueAsPtr(const RValue& value);
-bool ValueAsBool(const RValue& value); // a number is true above 0.5
+bool ValueAsBool(const RValue& value);        // a number is true above 0.5
 std::string ValueAsText(const RValue& value); // the text that string() gives
 
 // Arguments of built-ins; `index` counts from 0. Messages name the built-in that is running.
@@ -138,22 +141,46 @@ int CompareValues(const RValue& a, const RValue& b, double epsilon);
 // The comparison tolerance of the game; math_set_epsilon changes it.
 extern double g_epsilon;
 
-// In-place arithmetic; the result's kind is the left operand's. A bad kind is a fatal error report.
+// In-place arithmetic; the result's kind is the left operand's. A bad kind is a fatal error report and
+// changes nothing.
 void ValueAdd(RValue& left, const RValue& right);
 void ValueSubtract(RValue& left, const RValue& right);
 void ValueMultiply(RValue& left, const RValue& right);
 void ValueDivide(RValue& left, const RValue& right);
+void ValueAddNumber(RValue& left, double right); // as ValueAdd, but a string on the left is an error
+void ValueIncrement(RValue& value);
+void ValueDecrement(RValue& value);
 
 // Arrays. `index` is row * 32000 + column.
-// The element's address for writing; makes the array, clones a shared one and grows it. Null for a negative index.
+// The element's address for writing; makes the array, clones a shared one and grows it. Null for a negative
+// index.
 RValue* ArrayElementForWrite(RValue& value, int64_t index);
 // The element's address, or null when there is none.
 RValue* ArrayElementForRead(const RValue& value, int64_t index);
-// As an expression reads it: out of range or not an array is a fatal error report, and the result is undefined.
+// As an expression reads it: out of range or not an array is a fatal error report, and the result is
+// undefined.
 const RValue& ArrayElementChecked(RValue& value, int64_t index);
-void ArrayWrite(RValue& value, int64_t index, const RValue& element);
+void ArrayWrite(RValue& value, int64_t index, const RValue& element); // kNoIndex writes the value as a whole
+// dest = source[index]; kNoIndex takes the source as a whole. Out of range, dest becomes 0, the result is
+// false and ArrayRead() tells what was asked for.
+bool ArrayReadInto(RValue& dest, RValue& source, int64_t index);
+RValue ArrayCreate(int32_t length, const RValue& fill); // one row; a length below 0 counts as 0
 int32_t ArrayLength1d(const RValue& value);
 int32_t ArrayHeight2d(const RValue& value);
 int32_t ArrayLength2d(const RValue& value, int32_t row);
+
+// The last read out of range.
+struct ArrayReadFailure {
+  bool failed = false;
+  int32_t row = 0, column = 0, rowCount = 0, rowLength = 0;
+};
+ArrayReadFailure& ArrayRead();
+
+// Truncation toward zero; a number outside 64 bits or no number gives the smallest integer.
+int64_t TruncateToInt64(double value);
+// Truncation to 64 bits, of which the low 32 are kept.
+int32_t TruncateToInt32(double value);
+// Nearest integer, ties to even, then as above.
+int32_t RoundToInt32(double value);
 
 } // namespace vesk
