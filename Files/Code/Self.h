@@ -213,6 +213,7 @@ struct Self {
   Self() = default;
   explicit Self(CInstance* it) : instance(it) {}
   explicit operator bool() const { return instance != nullptr; }
+  operator CInstance*() const { return instance; } // for the typed built-ins
   bool operator==(const Self& o) const { return instance == o.instance; }
   int32_t number() const { return instance ? instance->id : noone; } // the id
 

@@ -10,6 +10,11 @@
 
 namespace vesk {
 
+class CInstance;
+
+// The collision index re-reads the box before its next answer. Defined in CollisionIndex.cpp.
+void CollisionIndex_Moved(CInstance& instance);
+
 inline constexpr int kAlarmCount = 12;
 
 // Names of instances that aren't ids.
@@ -57,6 +62,11 @@ public:
   bool AdvanceImage();
 
   const BoundingBox& Bounds(); // recomputed when dirty
+  // Whatever changes position or shape comes through here, so that the collision index hears of it.
+  void DirtyBounds() {
+    bboxDirty = true;
+    if (indexSlot >= 0) CollisionIndex_Moved(*this);
+  }
   // The sprite that collision uses; -1 none.
   int32_t ShapeSprite() const { return maskIndex >= 0 ? maskIndex : spriteIndex; }
   float SpriteWidth() const, SpriteHeight() const, SpriteXOffset() const, SpriteYOffset() const;
@@ -65,7 +75,7 @@ public:
 
   // ---- first what the loops over all instances read, together in memory ----
   CInstance* next = nullptr; // links of the room's active or inactive list
-  bool bboxDirty = true;
+  bool bboxDirty = true;     // set through DirtyBounds, cleared by Bounds
   bool visible = true;
   bool solid = false;
   bool persistent = false;
@@ -118,6 +128,7 @@ public:
   bool inInactiveList = false; // of the room's two lists
   bool inResortList = false, inChangeList = false, inDeactivationList = false;
   InstanceList::Node* nodes = nullptr; // its places in the lists of objects
+  int32_t indexSlot = -1;              // record of the collision index; -1 none
 };
 
 } // namespace vesk
