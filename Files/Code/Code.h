@@ -107,6 +107,7 @@ struct CodeState {
   bool execute = true;              // cleared by -oldexec: no code runs
   const char* currentFunction = ""; // the built-in that is running, for argument messages
   int32_t codeCount = 0;            // live code objects
+  int32_t instanceSlotCount = 0;    // of every instance, from the descriptor
 };
 CodeState& Code();
 void Code_Reset();

@@ -28,7 +28,68 @@ struct BoundingBox {
   int32_t left = 0, top = 0, right = 0, bottom = 0; // inclusive room pixels
 };
 
-class CInstance : public ZqObjectBase {
+// What a copy of an instance has for itself.
+struct InstanceLinks {
+  CInstance* next = nullptr; // links of the room's active or inactive list
+  CInstance* previous = nullptr;
+  InstanceList::Node* nodes = nullptr; // its places in the lists of objects
+  uint64_t listOrder = 0;              // grows with each entry into a room list
+  float sortDepth = 0;                 // the depth under which it stands in the list
+  bool inInactiveList = false;         // of the room's two lists
+  bool inResortList = false, inChangeList = false, inDeactivationList = false, inMarkedList = false;
+};
+
+// The built-in state, without identity.
+struct InstanceState {
+  // First what the loops over all instances read, together in memory.
+  bool bboxDirty = true; // set through DirtyBounds, cleared by Bounds
+  bool visible = true;
+  bool solid = false;
+  bool persistent = false;
+  bool marked = false; // destroyed, waiting for removal
+  bool deactivated = false;
+  bool destroyEventDone = false;
+  bool carriedOver = false; // came from the previous room: Create does not run again
+  float x = 0, y = 0;
+  float xPrevious = 0, yPrevious = 0;
+  float pathPosition = 0, pathPositionPrevious = 0;
+  float imageIndex = 0;
+  float imageSpeed = 1; // frames a step
+  int32_t spriteIndex = -1;
+  int32_t pathIndex = -1;
+  float hspeed = 0, vspeed = 0;
+  float friction = 0, gravity = 0;
+  CObjectFb* object = nullptr;
+
+  int32_t objectIndex = -1;
+  bool created = false;
+  bool precise = false;
+  int32_t maskIndex = -1;
+  BoundingBox bbox;
+  float imageXScale = 1, imageYScale = 1;
+  float imageAngle = 0;
+  float imageAlpha = 1;
+  uint32_t imageBlend = 0xFFFFFF; // 24-bit, red in the high byte: swapped against the script's colour
+  float xStart = 0, yStart = 0;
+  float direction = 0, speed = 0; // degrees 0 to under 360
+  float gravityDirection = 270;
+  int32_t alarm[kAlarmCount]; // -1 off
+  float pathSpeed = 0, pathScale = 1, pathOrientation = 0;
+  int32_t pathEndAction = 0;
+  float pathXStart = 0, pathYStart = 0;
+  int32_t timelineIndex = -1;
+  float timelinePrevious = 0, timelinePosition = 0, timelineSpeed = 1;
+  bool timelineRunning = false, timelineLoop = false;
+  bool outsideRoom = false;
+  uint8_t mouseInside = 2;       // bits 0 inside, 1 outside, 2 and 3 their changes
+  CCode* creationCode = nullptr; // owned by the room template
+  CCode* preCreateCode = nullptr;
+  int32_t layerId = -1;
+  float depth = 0;
+  int32_t indexSlot = -1; // record of the collision index; -1 none
+};
+
+class CInstance : public ZqObjectBase, public InstanceLinks, public InstanceState {
 public:
   // Fields as the object's record gives them; in no list yet. Create has not run.
   CInstance(CObjectFb* object, float x, float y, int32_t id, int32_t slotCount);
@@ -73,62 +134,9 @@ public:
   int32_t ImageNumber() const;
   float ImageSingle() const;
 
-  // ---- first what the loops over all instances read, together in memory ----
-  CInstance* next = nullptr; // links of the room's active or inactive list
-  bool bboxDirty = true;     // set through DirtyBounds, cleared by Bounds
-  bool visible = true;
-  bool solid = false;
-  bool persistent = false;
-  bool marked = false; // destroyed, waiting for removal
-  bool deactivated = false;
-  bool destroyEventDone = false;
-  bool carriedOver = false; // came from the previous room: Create does not run again
-  float x, y;
-  float xPrevious, yPrevious;
-  float pathPosition = 0, pathPositionPrevious = 0;
-  float imageIndex = 0;
-  float imageSpeed = 1; // frames a step
-  int32_t spriteIndex = -1;
-  int32_t pathIndex = -1;
-  float hspeed = 0, vspeed = 0;
-  float friction = 0, gravity = 0;
-  CObjectFb* object;
-
-  uint64_t creationStamp = 0;
   int32_t id;
-  int32_t objectIndex;
-  bool created = false;
-  bool precise = false;
-  int32_t maskIndex = -1;
-  BoundingBox bbox;
-  float imageXScale = 1, imageYScale = 1;
-  float imageAngle = 0;
-  float imageAlpha = 1;
-  uint32_t imageBlend = 0xFFFFFF; // 24-bit, red in the high byte: swapped against the script's colour
-  float xStart, yStart;
-  float direction = 0, speed = 0; // degrees 0 to under 360
-  float gravityDirection = 270;
-  int32_t alarm[kAlarmCount]; // -1 off
-  float pathSpeed = 0, pathScale = 1, pathOrientation = 0;
-  int32_t pathEndAction = 0;
-  float pathXStart = 0, pathYStart = 0;
-  int32_t timelineIndex = -1;
-  float timelinePrevious = 0, timelinePosition = 0, timelineSpeed = 1;
-  bool timelineRunning = false, timelineLoop = false;
-  bool outsideRoom = false;
-  uint8_t mouseInside = 2;       // bits 0 inside, 1 outside, 2 and 3 their changes
-  CCode* creationCode = nullptr; // owned by the room template
-  CCode* preCreateCode = nullptr;
+  uint64_t creationStamp;
   CObjectFb* previousObject = nullptr; // between instance_change and the next clean-up
-  int32_t layerId = -1;
-  CInstance* previous = nullptr;
-  float depth = 0;
-  float sortDepth = 0;         // the depth under which it stands in the list
-  uint64_t listOrder = 0;      // grows with each entry into a room list
-  bool inInactiveList = false; // of the room's two lists
-  bool inResortList = false, inChangeList = false, inDeactivationList = false;
-  InstanceList::Node* nodes = nullptr; // its places in the lists of objects
-  int32_t indexSlot = -1;              // record of the collision index; -1 none
 };
 
 } // namespace vesk

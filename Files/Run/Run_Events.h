@@ -19,10 +19,11 @@ struct EventContext {
 struct RunState {
   EventContext event;
   int32_t performDepth = 0;
-  int32_t destroyedCount = 0;               // instances marked since the last removal
   std::vector<CInstance*> resortList;       // their place in the active list is stale
   std::vector<CInstance*> changeList;       // instance_change not yet applied to the object lists
   std::vector<CInstance*> deactivationList; // their deactivated flag changed
+  std::vector<CInstance*> markedList;       // destroyed since the last removal
+  std::vector<CInstance*> waking, sleeping; // scratch of the clean-up
   bool automaticDrawing = true;             // draw_enable_drawevent
   bool resizePending = false;               // set by the window, consumed by the next frame body
 };
@@ -67,6 +68,9 @@ void EventPass(int32_t type, int32_t subtype);
 void NoteResort(CInstance* instance);
 void NoteDeactivation(CInstance* instance);
 void NoteChange(CInstance* instance);
+void MarkInstance(CInstance* instance);
+// Takes an instance that is about to go out of all pending lists.
+void ForgetPending(CInstance* instance);
 
 // Applies what the three lists hold. Between passes only.
 void CleanUpInstances();

@@ -23,10 +23,11 @@ struct FrameServices {
   bool (*frozen)() = nullptr;      // true: the game stands still this frame
   void (*runServices)() = nullptr; // network and platform services; may call Async_Post
   void (*updateParticles)() = nullptr;
-  void (*drawScreen)() = nullptr;       // the draw pass
-  void (*clearInput)() = nullptr;       // at the start of a game
-  void (*viewsChanged)() = nullptr;     // a room begins: window and application surface sizes
-  void (*resetVirtualKeys)() = nullptr; // a room ends
+  void (*drawScreen)() = nullptr;          // the draw pass
+  void (*clearInput)() = nullptr;          // at the start of a game
+  void (*roomReady)(bool first) = nullptr; // all instances are made, the room-start event has not run
+  void (*viewsChanged)() = nullptr;        // a room begins: window and application surface sizes
+  void (*resetVirtualKeys)() = nullptr;    // a room ends
   void (*mark)(const char* name) =
       nullptr; // profile marks: "Garbage Collector", "IO&Kelda", "Update", "Draw", "Scroll"
 };
