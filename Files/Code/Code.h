@@ -82,6 +82,7 @@ DebugFrame* FrameHead(); // innermost; null between events
 class CCode {
 public:
   explicit CCode(int32_t index); // below 0 or outside the table: runs nothing
+  explicit CCode(const RValue& constant);
   virtual ~CCode();
   CCode(const CCode&) = delete;
   CCode& operator=(const CCode&) = delete;
@@ -90,15 +91,21 @@ public:
   const char* Name() const { return m_entry ? m_entry->name : ""; }
   const CodeEntry* Entry() const { return m_entry; }
   int32_t Index() const { return m_index; }
+  const RValue& Constant() const { return m_constant; }
 
 private:
   int32_t m_kind;
   int32_t m_index;
   const CodeEntry* m_entry;
+  RValue m_constant;
 };
 
 // Runs the code with a debug frame. True unless an error was captured.
 bool Code_Execute(CInstance* self, CInstance* other, const CCode* code, RValue& result);
+// The same; an error that was captured goes to the report as one that is not fatal.
+bool Code_ExecuteReporting(CInstance* self, CInstance* other, const CCode* code, RValue& result);
+// The same; after an error `result` is the text "ERROR".
+bool Code_ExecuteMarking(CInstance* self, CInstance* other, const CCode* code, RValue& result);
 // Runs script `index`; false for an index outside the table or a hole.
 bool Script_Perform(int32_t index, CInstance* self, CInstance* other, int argc, RValue& result, RValue* args);
 
@@ -108,6 +115,8 @@ struct CodeState {
   const char* currentFunction = ""; // the built-in that is running, for argument messages
   int32_t codeCount = 0;            // live code objects
   int32_t instanceSlotCount = 0;    // of every instance, from the descriptor
+  RValue* arguments = nullptr;      // of the script that Script_Perform runs; at least 16
+  int argumentCount = 0;
 };
 CodeState& Code();
 void Code_Reset();
@@ -118,6 +127,9 @@ void Code_Reset();
 // `other` are the pair of the surrounding code; targets -1 self, -2 other, -3 all, an object index, or an
 // instance id.
 std::vector<CInstance*> WithTargets(CInstance* self, CInstance* other, int32_t target);
+// What `target.variable` reads from, and what it writes to: an object, an instance id or -3 for all.
+CInstance* FirstTarget(int32_t target); // null when there is none
+std::vector<CInstance*> WriteTargets(int32_t target);
 
 // ---- random numbers (WELL512a) ----
 

@@ -4,14 +4,15 @@
 // A built-in is one plain typed function, e.g. `int instance_create(CInstance* self, float x, float y, int
 // object)`. Game code calls it directly; scripts by name reach it through Builtin<&instance_create>, which
 // unpacks and checks the arguments. Parameter types: double float int32_t uint32_t int64_t bool
-// std::string_view std::string const RValue&; a first parameter CInstance* gets `self`, a second one `other`;
-// a last parameter `Args` takes all remaining arguments. Result types: void (undefined), numbers, bool,
-// std::string, RValue.
+// std::string_view std::string const RValue&, or std::optional of one of the by-value types for arguments
+// that may be left out; a first parameter CInstance* gets `self`, a second one `other`; a last parameter
+// `Args` takes all remaining arguments. Result types: void (undefined), numbers, bool, text, RValue.
 #include "Files/Code/Code.h"
 #include "Files/Code/Value.h"
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -44,7 +45,14 @@ const char* Function_Name(int32_t index);
 int32_t Function_ArgumentCount(int32_t index);
 void Function_Reset();
 
+// Functions of extension packages.
+void Function_AddExtension(std::string_view name, BuiltinFunction function);
+// Fills the ids of the descriptor's table. False, with the first unknown name, when one is not found; the
+// others are filled all the same.
+bool Function_Resolve(std::span<FunctionEntry> table, std::string& missing);
+
 // Calls by id from Function_Find. `result` is released first; it is undefined when the built-in writes none.
+// Arguments that a built-in of fixed count lacks read as undefined; an unknown id does nothing.
 void CallBuiltin(CInstance* self, CInstance* other, RValue& result, int argc, int32_t id, RValue* args);
 
 // ---- adapter ----
@@ -81,14 +89,22 @@ template <> struct Argument<RValue> {
   static std::reference_wrapper<const RValue> Get(RValue* args, int i) { return args[i]; }
 };
 
+template <class T> struct Argument<std::optional<T>> {
+  static std::optional<T> Get(RValue* args, int i) { return Argument<T>::Get(args, i); }
+};
+template <class T> inline constexpr bool isOptional = false;
+template <class T> inline constexpr bool isOptional<std::optional<T>> = true;
+
 template <class T> void StoreResult(RValue& result, T&& value) {
   using Plain = std::remove_cvref_t<T>;
   if constexpr (std::is_same_v<Plain, bool>)
     result.SetReal(value ? 1.0 : 0.0);
   else if constexpr (std::is_arithmetic_v<Plain>)
     result.SetReal(static_cast<double>(value));
-  else
+  else {
+    static_assert(!std::is_pointer_v<Plain> || std::is_same_v<Plain, const char*>, "no result of this type");
     result = RValue(std::forward<T>(value));
+  }
 }
 
 template <class... P> inline constexpr int kInjected = 0;
@@ -107,6 +123,8 @@ template <class Result, class... P> struct Adapter {
       return I == 0 ? self : other;
     else if constexpr (std::is_same_v<T, Args>)
       return Args(args + at, static_cast<size_t>(argc > at ? argc - at : 0));
+    else if constexpr (isOptional<T>)
+      return argc > at ? Argument<T>::Get(args, at) : T();
     else
       return Argument<T>::Get(args, at);
   }
@@ -121,7 +139,7 @@ template <class Result, class... P> struct Adapter {
 };
 
 template <class Result, class... P> constexpr int CountOf(Result (*)(P...)) {
-  if constexpr ((std::is_same_v<std::remove_cvref_t<P>, Args> || ...))
+  if constexpr (((std::is_same_v<std::remove_cvref_t<P>, Args> || isOptional<std::remove_cvref_t<P>>) || ...))
     return kAnyCount;
   else
     return static_cast<int>(sizeof...(P)) - kInjected<P...>;
