@@ -2,6 +2,8 @@
 
 #include "Platform/HandDriven.h"
 
+#include <thread>
+
 namespace vesk {
 
 namespace {
@@ -9,6 +11,7 @@ namespace {
 CHandDrivenPlatform quiet;
 Platform current;
 bool isSet = false;
+const std::thread::id mainThread = std::this_thread::get_id(); // statics are made on it
 
 } // namespace
 
@@ -16,6 +19,8 @@ const Platform& Platform_Get() {
   if (!isSet) Platform_Set(nullptr);
   return current;
 }
+
+bool Platform_IsMainThread() { return std::this_thread::get_id() == mainThread; }
 
 void Platform_Set(const Platform* platform) {
   current = platform ? *platform : quiet.Interfaces();

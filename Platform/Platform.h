@@ -26,6 +26,9 @@ const Platform& Platform_Get();
 // The caller keeps all members alive until another is set; null returns to the quiet one.
 void Platform_Set(const Platform* platform);
 
+// Whether the caller runs on the thread that main runs on.
+bool Platform_IsMainThread();
+
 // The desktop: window, GL, pads and sound of this machine. Made once a process, on the main thread.
 class CDesktopPlatform {
 public:

@@ -13,6 +13,7 @@
 namespace vesk {
 
 class CInstance;
+class CObjectFb;
 class ContainerView;
 struct LoadError;
 
