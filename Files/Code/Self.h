@@ -47,6 +47,13 @@ namespace detail {
 
 template <class T> inline constexpr bool isGameValue = std::is_same_v<T, Real>;
 template <class V> inline constexpr bool isGameValue<Ref<V>> = true;
+template <> inline constexpr bool isGameValue<RValue> = true;
+// Those that may hold something else than a number.
+template <class T>
+concept ValueHolder = requires(const T& holder) {
+  holder.value();
+}
+|| std::is_same_v<T, RValue>;
 template <class A, class B>
 concept GameNumbers = (isGameValue<A> || isGameValue<B>)&&(isGameValue<A> || std::is_arithmetic_v<A>)&&(
     isGameValue<B> || std::is_arithmetic_v<B>);
@@ -56,12 +63,45 @@ template <class T> constexpr double Number(const T& value) {
     return static_cast<double>(value);
   else if constexpr (std::is_same_v<T, Real>)
     return value.v;
+  else if constexpr (std::is_same_v<T, RValue>)
+    return ValueAsReal(value);
   else
     return value.Get();
 }
+template <ValueHolder T> const RValue& Held(const T& holder) {
+  if constexpr (std::is_same_v<T, RValue>)
+    return holder;
+  else
+    return holder.value();
+}
+template <class T> RValue Boxed(const T& value) {
+  if constexpr (ValueHolder<T>)
+    return Held(value);
+  else
+    return RValue(static_cast<double>(Number(value)));
+}
+inline int CompareReals(double a, double b) {
+  const double difference = a - b;
+  return std::abs(difference) <= g_epsilon ? 0 : difference < 0 ? -1 : 1;
+}
 template <class A, class B> int Compare(const A& a, const B& b) {
-  const double difference = Number(a) - Number(b);
-  return difference > g_epsilon ? 1 : difference < -g_epsilon ? -1 : 0;
+  if constexpr (ValueHolder<A>) {
+    const RValue& left = Held(a);
+    if constexpr (ValueHolder<B>) {
+      const RValue& right = Held(b);
+      if (left.IsReal() && right.IsReal()) return CompareReals(left.real, right.real);
+      return CompareValues(left, right, g_epsilon);
+    } else {
+      if (left.IsReal()) return CompareReals(left.real, Number(b));
+      return CompareValues(left, Boxed(b), g_epsilon);
+    }
+  } else if constexpr (ValueHolder<B>) {
+    const RValue& right = Held(b);
+    if (right.IsReal()) return CompareReals(Number(a), right.real);
+    return CompareValues(Boxed(a), right, g_epsilon);
+  } else {
+    return CompareReals(Number(a), Number(b));
+  }
 }
 
 } // namespace detail
@@ -87,19 +127,24 @@ template <class R> struct NumberRef {
     return static_cast<T>(self().Get());
   }
   operator bool() const { return self().Get() > 0.5; }
-  R& operator+=(double d) { return self() = self().Get() + d; }
-  R& operator-=(double d) { return self() = self().Get() - d; }
-  R& operator*=(double d) { return self() = self().Get() * d; }
-  R& operator/=(double d) { return self() = self().Get() / d; }
+  const R& operator+=(double d) const { return self() = self().Get() + d; }
+  const R& operator-=(double d) const { return self() = self().Get() - d; }
+  const R& operator*=(double d) const { return self() = self().Get() * d; }
+  const R& operator/=(double d) const { return self() = self().Get() / d; }
   template <class T>
-  requires detail::isGameValue<T> R& operator+=(const T& d) { return *this += detail::Number(d); }
+  requires detail::isGameValue<T>
+  const R& operator+=(const T& d) const { return *this += detail::Number(d); }
   template <class T>
-  requires detail::isGameValue<T> R& operator-=(const T& d) { return *this -= detail::Number(d); }
+  requires detail::isGameValue<T>
+  const R& operator-=(const T& d) const { return *this -= detail::Number(d); }
   template <class T>
-  requires detail::isGameValue<T> R& operator*=(const T& d) { return *this *= detail::Number(d); }
+  requires detail::isGameValue<T>
+  const R& operator*=(const T& d) const { return *this *= detail::Number(d); }
+  template <class T>
+  requires detail::isGameValue<T>
+  const R& operator/=(const T& d) const { return *this /= detail::Number(d); }
 
 private:
-  R& self() { return static_cast<R&>(*this); }
   const R& self() const { return static_cast<const R&>(*this); }
 };
 
@@ -110,20 +155,27 @@ template <> struct Ref<Element> : NumberRef<Ref<Element>> {
   RValue& array;
   int64_t index;
   Ref(RValue& value, int64_t at) : array(value), index(at) {}
-  const RValue& value() const { return ArrayElementChecked(array, index); }
+  const RValue& value() const { return ArrayElementChecked(array, index); } // until the array is written
+  bool isString() const { return value().IsString(); }
+  int32_t number() const { return ValueAsInt32(value()); }
   double Get() const { return ValueAsReal(value()); }
   std::string text() const { return ValueAsText(value()); }
   template <class T>
-  requires(std::is_arithmetic_v<T>) Ref& operator=(T d) {
+  requires(std::is_arithmetic_v<T>) const Ref& operator=(T d) const {
     ArrayWrite(array, index, RValue(static_cast<double>(d)));
     return *this;
   }
-  Ref& operator=(Real d) { return *this = d.v; }
-  Ref& operator=(const RValue& v) {
+  const Ref& operator=(Real d) const { return *this = d.v; }
+  const Ref& operator=(const RValue& v) const {
     ArrayWrite(array, index, v);
     return *this;
   }
-  Ref& operator=(const Ref& o) { return *this = RValue(o.value()); }
+  const Ref& operator=(const Ref& o) const { return *this = o.value(); }
+  const Ref& operator=(const char* text) const { return *this = RValue(text); }
+  const Ref& operator=(std::string_view text) const { return *this = RValue(text); }
+  const Ref& operator=(const std::string& text) const { return *this = RValue(text); }
+  template <class V>
+  requires(detail::isGameValue<V>) const Ref& operator=(const V& o) const { return *this = detail::Boxed(o); }
 };
 
 template <> struct Ref<Slot> : NumberRef<Ref<Slot>> {
@@ -133,41 +185,57 @@ template <> struct Ref<Slot> : NumberRef<Ref<Slot>> {
   const RValue& value() const { return v; }
   std::string text() const { return ValueAsText(v); }
   bool isString() const { return v.IsString(); }
+  int32_t number() const { return ValueAsInt32(v); } // as an id or an index
   // The element; row and column for two dimensions.
   Ref<Element> operator[](int64_t column) const { return {v, column}; }
   Ref<Element> at(int64_t row, int64_t column) const { return {v, row * kRowStride + column}; }
   template <class T>
-  requires(std::is_arithmetic_v<T>) Ref& operator=(T d) {
+  requires(std::is_arithmetic_v<T>) const Ref& operator=(T d) const {
     v.SetReal(static_cast<double>(d));
     return *this;
   }
-  Ref& operator=(Real d) { return *this = d.v; }
-  Ref& operator=(const char* text) {
+  const Ref& operator=(Real d) const { return *this = d.v; }
+  const Ref& operator=(const char* text) const {
     v.SetString(text);
     return *this;
   }
-  Ref& operator=(std::string_view text) {
+  const Ref& operator=(std::string_view text) const {
     v.SetString(text);
     return *this;
   }
-  Ref& operator=(const std::string& text) {
+  const Ref& operator=(const std::string& text) const {
     v.SetString(text);
     return *this;
   }
-  Ref& operator=(const RValue& value) {
+  const Ref& operator=(const RValue& value) const {
     v = value;
     return *this;
   }
-  Ref& operator=(const Ref& o) {
+  const Ref& operator=(const Ref& o) const {
     v = o.v;
     return *this;
   }
   template <class V>
-  requires(!std::is_same_v<V, Slot>) Ref& operator=(const Ref<V>& o) { return *this = o.Get(); }
+  requires(detail::isGameValue<V>) const Ref& operator=(const V& o) const {
+    if constexpr (detail::ValueHolder<V>)
+      v = detail::Held(o);
+    else
+      v.SetReal(detail::Number(o));
+    return *this;
+  }
 };
-inline bool operator==(const Ref<Slot>& a, std::string_view b) { return a.v.IsString() && a.v.Text() == b; }
-inline bool operator==(const Ref<Slot>& a, const char* b) { return a == std::string_view(b); }
-inline bool operator==(const Ref<Slot>& a, const std::string& b) { return a == std::string_view(b); }
+
+// Texts compare by their bytes; what is no text equals none.
+template <detail::ValueHolder A> bool operator==(const A& a, std::string_view b) {
+  const RValue& value = detail::Held(a);
+  return value.IsString() && value.Text() == b;
+}
+template <detail::ValueHolder A> bool operator==(const A& a, const char* b) {
+  return a == std::string_view(b);
+}
+template <detail::ValueHolder A> bool operator==(const A& a, const std::string& b) {
+  return a == std::string_view(b);
+}
 
 template <auto GetIt, auto SetIt>
 struct Ref<BuiltinVariable<GetIt, SetIt>> : NumberRef<Ref<BuiltinVariable<GetIt, SetIt>>> {
@@ -175,13 +243,17 @@ struct Ref<BuiltinVariable<GetIt, SetIt>> : NumberRef<Ref<BuiltinVariable<GetIt,
   explicit Ref(CInstance& instance) : i(instance) {}
   double Get() const { return GetIt(i); }
   template <class T>
-  requires(std::is_arithmetic_v<T> && !std::is_null_pointer_v<decltype(SetIt)>) Ref& operator=(T d) {
+  requires(std::is_arithmetic_v<T> && !std::is_null_pointer_v<decltype(SetIt)>) const Ref&
+  operator=(T d) const {
     SetIt(i, static_cast<double>(d));
     return *this;
   }
-  Ref& operator=(Real d) { return *this = d.v; }
-  Ref& operator=(const Ref& o) { return *this = o.Get(); }
-  template <class V> Ref& operator=(const Ref<V>& o) { return *this = o.Get(); }
+  const Ref& operator=(Real d) const { return *this = d.v; }
+  const Ref& operator=(const Ref& o) const { return *this = o.Get(); }
+  template <class V>
+  requires(detail::isGameValue<V>) const Ref& operator=(const V& o) const {
+    return *this = detail::Number(o);
+  }
 };
 
 template <auto GetIt, auto SetIt> struct IndexedElement : NumberRef<IndexedElement<GetIt, SetIt>> {
@@ -190,13 +262,16 @@ template <auto GetIt, auto SetIt> struct IndexedElement : NumberRef<IndexedEleme
   IndexedElement(CInstance& instance, int at) : i(instance), index(at) {}
   double Get() const { return GetIt(i, index); }
   template <class T>
-  requires(std::is_arithmetic_v<T>) IndexedElement& operator=(T d) {
+  requires(std::is_arithmetic_v<T>) const IndexedElement& operator=(T d) const {
     SetIt(i, index, static_cast<double>(d));
     return *this;
   }
-  IndexedElement& operator=(Real d) { return *this = d.v; }
-  IndexedElement& operator=(const IndexedElement& o) { return *this = o.Get(); }
-  template <class V> IndexedElement& operator=(const Ref<V>& o) { return *this = o.Get(); }
+  const IndexedElement& operator=(Real d) const { return *this = d.v; }
+  const IndexedElement& operator=(const IndexedElement& o) const { return *this = o.Get(); }
+  template <class V>
+  requires(detail::isGameValue<V>) const IndexedElement& operator=(const V& o) const {
+    return *this = detail::Number(o);
+  }
 };
 template <auto GetIt, auto SetIt> struct Ref<IndexedVariable<GetIt, SetIt>> {
   CInstance& i;
@@ -244,24 +319,44 @@ inline constexpr Global global{};
 template <auto GetIt, auto SetIt> struct RunVariable : NumberRef<RunVariable<GetIt, SetIt>> {
   double Get() const { return GetIt(); }
   template <class T>
-  requires(std::is_arithmetic_v<T> && !std::is_null_pointer_v<decltype(SetIt)>) RunVariable& operator=(T d) {
+  requires(std::is_arithmetic_v<T> && !std::is_null_pointer_v<decltype(SetIt)>) const RunVariable&
+  operator=(T d) const {
     SetIt(static_cast<double>(d));
     return *this;
   }
-  RunVariable& operator=(Real d) { return *this = d.v; }
-  template <class V> RunVariable& operator=(const Ref<V>& o) { return *this = o.Get(); }
+  const RunVariable& operator=(Real d) const { return *this = d.v; }
+  const RunVariable& operator=(const RunVariable& o) const { return *this = o.Get(); }
+  template <class V>
+  requires(detail::isGameValue<V>) const RunVariable& operator=(const V& o) const {
+    return *this = detail::Number(o);
+  }
 };
 template <auto GetIt, auto SetIt> struct RunElement : NumberRef<RunElement<GetIt, SetIt>> {
   int index;
   explicit RunElement(int at) : index(at) {}
   double Get() const { return GetIt(index); }
   template <class T>
-  requires(std::is_arithmetic_v<T> && !std::is_null_pointer_v<decltype(SetIt)>) RunElement& operator=(T d) {
+  requires(std::is_arithmetic_v<T> && !std::is_null_pointer_v<decltype(SetIt)>) const RunElement&
+  operator=(T d) const {
     SetIt(index, static_cast<double>(d));
     return *this;
   }
-  RunElement& operator=(Real d) { return *this = d.v; }
-  template <class V> RunElement& operator=(const Ref<V>& o) { return *this = o.Get(); }
+  const RunElement& operator=(Real d) const { return *this = d.v; }
+  const RunElement& operator=(const RunElement& o) const { return *this = o.Get(); }
+  template <class V>
+  requires(detail::isGameValue<V>) const RunElement& operator=(const V& o) const {
+    return *this = detail::Number(o);
+  }
+};
+// One that holds a text: keyboard_string.
+template <auto GetIt, auto SetIt> struct RunText {
+  std::string text() const { return GetIt(); }
+  operator std::string() const { return GetIt(); }
+  bool operator==(std::string_view b) const { return GetIt() == b; }
+  const RunText& operator=(std::string_view text) const {
+    SetIt(text);
+    return *this;
+  }
 };
 // One with an index: view_xview[0].
 template <auto GetIt, auto SetIt> struct RunArray {
