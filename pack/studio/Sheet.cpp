@@ -67,8 +67,8 @@ Picture MakeSheet(Studio& studio, const std::string& prefix, int scale, bool pla
   for (const PictureSpec& spec : studio.Specs()) {
     if (exact ? spec.name != prefix : spec.name.compare(0, prefix.size(), prefix) != 0) continue;
     if (!studio.Has(spec.name) && !placeholders) continue;
-    const int wide =
-        std::max(spec.frames * (spec.width * scale + kGap), static_cast<int>(spec.name.size()) * 6 + 8);
+    const int wide = std::min(kWidest, std::max(spec.frames * (spec.width * scale + kGap),
+                                                static_cast<int>(spec.name.size()) * 6 + 8));
     if (x > kGap && x + wide > kWidest) x = kGap, y = bottom + kGap;
     titles.push_back({x, y, spec.name + (studio.Has(spec.name) ? "" : " (placeholder)")});
     int fx = x, fy = y + kTextHeight;

@@ -1,0 +1,147 @@
+// The pictures of the tree against their tables.
+#include "pack/studio/Studio.h"
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <gtest/gtest.h>
+#include <set>
+
+namespace vesk {
+namespace {
+
+Studio& Tree() {
+  static Studio studio("assets");
+  return studio;
+}
+
+uint32_t At(const Picture& p, int x, int y) { return p.rgba[static_cast<size_t>(y * p.width + x)]; }
+
+bool Opaque(const Picture& p, int x, int y) { return At(p, x, y) >> 24 != 0; }
+
+int Distance(uint32_t a, uint32_t b) {
+  int sum = 0;
+  for (int shift = 0; shift < 32; shift += 8) sum += std::abs(int(a >> shift & 255) - int(b >> shift & 255));
+  return sum;
+}
+
+using Rule = std::function<bool(int x, int y)>;
+
+void ExpectFilledWhere(const Picture& p, int left, int top, int width, int height, const Rule& rule,
+                       const std::string& what) {
+  int wrong = 0;
+  for (int y = 0; y < height; ++y)
+    for (int x = 0; x < width; ++x) wrong += Opaque(p, left + x, top + y) != rule(x, y);
+  EXPECT_EQ(wrong, 0) << what;
+}
+
+TEST(Pictures, AgreeWithTheirTables) {
+  int seen = 0;
+  for (const PictureSpec& spec : Tree().Specs()) {
+    if (!Tree().Has(spec.name)) continue;
+    ++seen;
+    for (const auto& difference : Tree().Differences(spec.name)) ADD_FAILURE() << difference;
+  }
+  EXPECT_GT(seen, 100);
+  EXPECT_LE(Tree().Palette().size(), 64u);
+}
+
+TEST(Pictures, AnimatedOnesHaveFramesThatDiffer) {
+  for (const PictureSpec& spec : Tree().Specs()) {
+    if (spec.frames < 2 || !Tree().Has(spec.name)) continue;
+    const auto& frames = Tree().Frames(spec.name);
+    std::set<std::vector<uint32_t>> different;
+    for (const Picture& p : frames) different.insert(p.rgba);
+    // A cycle may come back the way it went, so half of the frames is enough.
+    EXPECT_GE(different.size() * 2, frames.size()) << spec.name;
+    EXPECT_GE(different.size(), 2u) << spec.name;
+  }
+}
+
+TEST(Pictures, SlopeMasksFollowTheirRules) {
+  const std::pair<const char*, Rule> rules[] = {
+      {"spr_slope_r", [](int x, int y) { return y >= 15 - x / 2; }},
+      {"spr_slope_l", [](int x, int y) { return y >= 15 - (31 - x) / 2; }},
+      {"spr_slope_sr", [](int x, int y) { return y >= 15 - x; }},
+      {"spr_slope_sl", [](int x, int y) { return y >= x; }},
+      {"spr_islope_r", [](int x, int y) { return y <= x / 2; }},
+      {"spr_islope_l", [](int x, int y) { return y <= (31 - x) / 2; }},
+      {"spr_islope_sr", [](int x, int y) { return y <= x; }},
+      {"spr_islope_sl", [](int x, int y) { return y <= 15 - x; }},
+      {"spr_trianglemask", [](int x, int y) { return std::abs(x - 47.5) <= (y + 2) * .375; }},
+      {"spr_bigmask", [](int, int) { return true; }},
+      {"spr_linemask", [](int, int y) { return y == 15; }},
+  };
+  for (const auto& [name, rule] : rules) {
+    const auto& frames = Tree().Frames(name);
+    ASSERT_EQ(frames.size(), 1u) << name;
+    ExpectFilledWhere(frames[0], 0, 0, frames[0].width, frames[0].height, rule, name);
+  }
+}
+
+TEST(Pictures, GlyphsFillTheColumnsThatTheFontCountsOn) {
+  const auto& font = Tree().Frames("spr_spritefont");
+  ASSERT_EQ(font.size(), 94u);
+  for (size_t i = 0; i < font.size(); ++i) {
+    int left = 9, right = -1, outer = 0;
+    for (int y = 0; y < 9; ++y)
+      for (int x = 0; x < 9; ++x)
+        if (Opaque(font[i], x, y)) left = std::min(left, x), right = std::max(right, x);
+    ASSERT_GE(right, left) << i;
+    EXPECT_EQ(left, (9 - (right - left + 1)) / 2) << i;
+    // The shared column of two neighbours is outline on outline: never core.
+    for (int y = 0; y < 9; ++y)
+      outer += At(font[i], left, y) == 0xffffffffu || At(font[i], right, y) == 0xffffffffu;
+    EXPECT_EQ(outer, 0) << i;
+  }
+  const auto advance = [&](char c) {
+    int left = 9, right = -1;
+    for (int y = 0; y < 9; ++y)
+      for (int x = 0; x < 9; ++x)
+        if (Opaque(font[static_cast<size_t>(c - '!')], x, y))
+          left = std::min(left, x), right = std::max(right, x);
+    return right - left;
+  };
+  const auto width = [&](const std::string& text) {
+    int sum = 0;
+    for (const char c : text) sum += c == ' ' ? 8 : advance(c);
+    return sum;
+  };
+  EXPECT_EQ(width("New Level"), 57);
+  EXPECT_EQ(width("Return to Main Menu"), 119);
+  EXPECT_EQ(width("Ammo: 500/500"), 82);
+  EXPECT_EQ(width("Are you sure? All unsaved changes will be lost!"), 278);
+}
+
+// The step over the wrapped edge may be no larger than the steps inside the picture usually are.
+TEST(Pictures, BackdropsThatTileHaveNoSeam) {
+  for (const PictureSpec& spec : Tree().Specs()) {
+    if (!spec.background || spec.width > 512 || !Tree().Has(spec.name)) continue;
+    if (spec.width != 512 && spec.width != 256) continue;
+    const Picture& p = Tree().Frames(spec.name)[0];
+    const auto columns = [&](int a, int b) {
+      double sum = 0;
+      for (int y = 0; y < p.height; ++y) sum += Distance(At(p, a, y), At(p, b, y));
+      return sum / p.height;
+    };
+    std::vector<double> inside;
+    for (int x = 0; x + 1 < p.width; ++x) inside.push_back(columns(x, x + 1));
+    std::sort(inside.begin(), inside.end());
+    EXPECT_LE(columns(p.width - 1, 0), inside[inside.size() * 98 / 100] * 1.25 + 2)
+        << spec.name << ", sideways";
+  }
+}
+
+TEST(Pictures, ComeOutTheSameEveryTime) {
+  Studio again("assets");
+  for (const char* name : {"spr_player_durian_walk", "spr_player_rhubarb_slide", "spr_spritefont"}) {
+    ASSERT_TRUE(again.Has(name));
+    const auto& a = Tree().Frames(name);
+    const auto& b = again.Frames(name);
+    ASSERT_EQ(a.size(), b.size());
+    for (size_t i = 0; i < a.size(); ++i) EXPECT_EQ(a[i].rgba, b[i].rgba) << name;
+  }
+}
+
+} // namespace
+} // namespace vesk
