@@ -8,7 +8,8 @@ using Record = CollisionIndexState::Record;
 using Entry = CollisionIndexState::Entry;
 using Place = CollisionIndexState::Place;
 
-CollisionIndexState g_index;
+// Never destroyed, so that instances that outlive everything else may still leave it.
+CollisionIndexState& g_index = *new CollisionIndexState;
 
 Record& RecordAt(int32_t slot) { return g_index.records[static_cast<size_t>(slot)]; }
 

@@ -18,6 +18,10 @@ struct Figure {
   float x1, y1, x2, y2; // room pixels; a point has both corners equal
   bool precise;
 
+  static Figure Point(float x, float y, bool precise) { return {kPoint, x, y, x, y, precise}; }
+  static Figure Circle(float x, float y, float radius, bool precise) {
+    return {kEllipse, x - radius, y - radius, x + radius, y + radius, precise};
+  }
   bool Hits(CInstance& instance) const;
 };
 
