@@ -13,6 +13,8 @@
 
 namespace vesk {
 
+namespace container {
+
 // A null reference in a pointer list leaves a hole: the record is absent, its index stays taken.
 template <class T> using RecordList = std::vector<std::optional<T>>;
 
@@ -202,24 +204,26 @@ struct TextureRecord {
   int32_t width = 0, height = 0; // pixels
 };
 
+} // namespace container
+
 struct ContainerRecords {
   std::vector<Chunk> chunks; // in file order
-  HeaderRecord header;
-  OptionsRecord options;
+  container::HeaderRecord header;
+  container::OptionsRecord options;
   std::vector<const char*> audioGroups;
-  RecordList<SoundRecord> sounds;
-  RecordList<SpriteRecord> sprites;
-  RecordList<BackgroundRecord> backgrounds;
-  RecordList<PathRecord> paths;
-  RecordList<ScriptRecord> scripts;
+  container::RecordList<container::SoundRecord> sounds;
+  container::RecordList<container::SpriteRecord> sprites;
+  container::RecordList<container::BackgroundRecord> backgrounds;
+  container::RecordList<container::PathRecord> paths;
+  container::RecordList<container::ScriptRecord> scripts;
   std::vector<int32_t> startScripts; // code indices
-  RecordList<ShaderRecord> shaders;
-  RecordList<FontRecord> fonts;
-  RecordList<ObjectRecord> objects;
-  RecordList<RoomRecord> rooms;
+  container::RecordList<container::ShaderRecord> shaders;
+  container::RecordList<container::FontRecord> fonts;
+  container::RecordList<container::ObjectRecord> objects;
+  container::RecordList<container::RoomRecord> rooms;
   std::vector<uint32_t> pageEntries; // offsets, 0 null
-  RecordList<TextureRecord> textures;
-  RecordList<std::span<const uint8_t>> soundData;
+  container::RecordList<container::TextureRecord> textures;
+  container::RecordList<std::span<const uint8_t>> soundData;
   uint32_t stringCount = 0;
   // What a load passes over but a whole container should not have, in words: an unknown chunk, options of
   // another form.
