@@ -3,6 +3,7 @@
 // Coordinates are room pixels. The speed of a way point is a percentage: 100 is the speed that the instance
 // asked for. Positions on a path run from 0 at its start to 1 at its end.
 #include "Files/Object/Instance.h"
+#include "Files/Runner/ContainerRecords.h"
 
 #include <cstdint>
 #include <memory>
@@ -67,6 +68,9 @@ int32_t Path_FindByName(std::string_view name); // -1 none
 // Appends a path and builds its samples; the index.
 int32_t Path_Add(std::string name, int32_t kind, bool closed, int32_t precision,
                  std::vector<PathPoint> points);
+
+// Appends the paths of a container; holes stay holes.
+void Path_Load(const RecordList<PathRecord>& records);
 
 // Sets an instance on a path from its start, from its end with a negative speed. Relative: the path begins
 // where the instance stands; else the instance jumps to it. A path that is missing or has no length leaves

@@ -21,10 +21,6 @@ std::vector<uint8_t> Expand(const uint8_t* packed, int32_t width, int32_t height
 
 } // namespace
 
-const PageEntry* CSprite::Frame(int32_t frame) const {
-  return frames.empty() ? nullptr : frames[static_cast<size_t>(Wrap(frame, FrameCount()))];
-}
-
 const uint8_t* CSprite::Mask(int32_t frame) const {
   if (maskCount <= 0) return nullptr;
   if (expandedMasks.empty()) {
