@@ -109,7 +109,7 @@ void ReportError(const char* format, ...) {
   ReportError(std::string_view(text), false);
 }
 
-void ReportError(std::string_view text, bool fatal) {
+void ReportErrorText(std::string_view text, bool fatal) {
   fatal = fatal || state.allFatal;
   Report(Ruled(Body(text, fatal)), fatal);
 }

@@ -1,5 +1,6 @@
 #pragma once
 // The report path that every error of the runner and of scripts takes: call chain, text, channels, box.
+#include <concepts>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -14,7 +15,11 @@ void ShowError(const char* format, ...) VESK_PRINTF(1, 2);
 // A non-fatal error of a built-in: the player may ignore it and the script goes on.
 void ReportError(const char* format, ...) VESK_PRINTF(1, 2);
 // Both end here.
-void ReportError(std::string_view text, bool fatal);
+void ReportErrorText(std::string_view text, bool fatal);
+// Takes a flag and nothing that converts to one, so that a format with one number never lands here.
+template <std::same_as<bool> Flag> void ReportError(std::string_view text, Flag fatal) {
+  ReportErrorText(text, fatal);
+}
 
 // Where a shader fails to compile the report is headed differently.
 enum class ShaderStage { kVertex, kFragment };
