@@ -159,14 +159,15 @@ int32_t Path_Add(std::string name, int32_t kind, bool closed, int32_t precision,
   return static_cast<int32_t>(g_paths.table.size()) - 1;
 }
 
-void Path_Load(const RecordList<PathRecord>& records) {
+void Path_Load(const container::RecordList<container::PathRecord>& records) {
   for (const auto& record : records) {
     if (!record) {
       g_paths.table.push_back(nullptr);
       continue;
     }
     std::vector<PathPoint> points;
-    for (const PathRecord::Point& point : record->points) points.push_back({point.x, point.y, point.speed});
+    for (const container::PathRecord::Point& point : record->points)
+      points.push_back({point.x, point.y, point.speed});
     Path_Add(record->name, record->kind, record->closed, record->precision, std::move(points));
   }
 }

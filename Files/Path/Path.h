@@ -70,7 +70,7 @@ int32_t Path_Add(std::string name, int32_t kind, bool closed, int32_t precision,
                  std::vector<PathPoint> points);
 
 // Appends the paths of a container; holes stay holes.
-void Path_Load(const RecordList<PathRecord>& records);
+void Path_Load(const container::RecordList<container::PathRecord>& records);
 
 // Sets an instance on a path from its start, from its end with a negative speed. Relative: the path begins
 // where the instance stands; else the instance jumps to it. A path that is missing or has no length leaves
