@@ -5,15 +5,6 @@
 namespace vesk {
 namespace container {
 
-constexpr uint32_t kKnownChunks[] = {ChunkTag("GEN8"), ChunkTag("GEN7"), ChunkTag("GENL"), ChunkTag("OPTN"),
-                                     ChunkTag("LANG"), ChunkTag("EXTN"), ChunkTag("EMBI"), ChunkTag("SOND"),
-                                     ChunkTag("AUDO"), ChunkTag("AGRP"), ChunkTag("SPRT"), ChunkTag("BGND"),
-                                     ChunkTag("PATH"), ChunkTag("SCPT"), ChunkTag("SHDR"), ChunkTag("FONT"),
-                                     ChunkTag("TMLN"), ChunkTag("OBJT"), ChunkTag("ROOM"), ChunkTag("TPAG"),
-                                     ChunkTag("TXTR"), ChunkTag("GLOB"), ChunkTag("CODE"), ChunkTag("FUNC"),
-                                     ChunkTag("VARI"), ChunkTag("DAFL"), ChunkTag("STRG"), ChunkTag("HELP"),
-                                     ChunkTag("RASP"), ChunkTag("PSPS"), ChunkTag("STAT")};
-
 Chunk ContainerReader::Find(uint32_t tag) const {
   for (const Chunk& chunk : m_records.chunks)
     if (chunk.tag == tag && chunk.size != 0) return chunk;
@@ -32,7 +23,7 @@ void ContainerReader::CheckChunks() {
   for (const Chunk& chunk : m_records.chunks) {
     if (chunk.size == 0) continue;
     m_reader.EnterChunk(chunk);
-    if (std::find(std::begin(kKnownChunks), std::end(kKnownChunks), chunk.tag) == std::end(kKnownChunks))
+    if (!Container_KnowsChunk(chunk.tag))
       Remark(ChunkName(chunk.tag) + ": an unknown chunk of " + Number(chunk.size) + " bytes at " +
              Hex(chunk.offset - 8));
     else
@@ -247,6 +238,18 @@ LoadError ContainerReader::Read() {
 }
 
 } // namespace container
+
+bool Container_KnowsChunk(uint32_t tag) {
+  constexpr uint32_t kKnownChunks[] = {ChunkTag("GEN8"), ChunkTag("GEN7"), ChunkTag("GENL"), ChunkTag("OPTN"),
+                                       ChunkTag("LANG"), ChunkTag("EXTN"), ChunkTag("EMBI"), ChunkTag("SOND"),
+                                       ChunkTag("AUDO"), ChunkTag("AGRP"), ChunkTag("SPRT"), ChunkTag("BGND"),
+                                       ChunkTag("PATH"), ChunkTag("SCPT"), ChunkTag("SHDR"), ChunkTag("FONT"),
+                                       ChunkTag("TMLN"), ChunkTag("OBJT"), ChunkTag("ROOM"), ChunkTag("TPAG"),
+                                       ChunkTag("TXTR"), ChunkTag("GLOB"), ChunkTag("CODE"), ChunkTag("FUNC"),
+                                       ChunkTag("VARI"), ChunkTag("DAFL"), ChunkTag("STRG"), ChunkTag("HELP"),
+                                       ChunkTag("RASP"), ChunkTag("PSPS"), ChunkTag("STAT")};
+  return std::find(std::begin(kKnownChunks), std::end(kKnownChunks), tag) != std::end(kKnownChunks);
+}
 
 LoadError Container_ReadRecords(const ContainerView& view, int32_t codeCount, ContainerRecords& records) {
   records = {};

@@ -230,6 +230,9 @@ struct ContainerRecords {
   std::vector<std::string> remarks;
 };
 
+// Whether the load knows the chunk at all; those it passes over count too.
+bool Container_KnowsChunk(uint32_t tag);
+
 // Reads and checks everything. `codeCount` is the length of the code table that records point into; negative:
 // unknown, and code indices are not compared with it. The first error ends the reading.
 LoadError Container_ReadRecords(const ContainerView& container, int32_t codeCount, ContainerRecords& records);
