@@ -155,6 +155,7 @@ template <> struct Ref<Element> : NumberRef<Ref<Element>> {
   RValue& array;
   int64_t index;
   Ref(RValue& value, int64_t at) : array(value), index(at) {}
+  Ref(const Ref&) = default;
   const RValue& value() const { return ArrayElementChecked(array, index); } // until the array is written
   bool isString() const { return value().IsString(); }
   int32_t number() const { return ValueAsInt32(value()); }
@@ -181,6 +182,7 @@ template <> struct Ref<Element> : NumberRef<Ref<Element>> {
 template <> struct Ref<Slot> : NumberRef<Ref<Slot>> {
   RValue& v;
   explicit Ref(RValue& value) : v(value) {}
+  Ref(const Ref&) = default;
   double Get() const { return ValueAsReal(v); }
   const RValue& value() const { return v; }
   std::string text() const { return ValueAsText(v); }
@@ -241,6 +243,7 @@ template <auto GetIt, auto SetIt>
 struct Ref<BuiltinVariable<GetIt, SetIt>> : NumberRef<Ref<BuiltinVariable<GetIt, SetIt>>> {
   CInstance& i;
   explicit Ref(CInstance& instance) : i(instance) {}
+  Ref(const Ref&) = default;
   double Get() const { return GetIt(i); }
   template <class T>
   requires(std::is_arithmetic_v<T> && !std::is_null_pointer_v<decltype(SetIt)>) const Ref&
@@ -260,6 +263,7 @@ template <auto GetIt, auto SetIt> struct IndexedElement : NumberRef<IndexedEleme
   CInstance& i;
   int index;
   IndexedElement(CInstance& instance, int at) : i(instance), index(at) {}
+  IndexedElement(const IndexedElement&) = default;
   double Get() const { return GetIt(i, index); }
   template <class T>
   requires(std::is_arithmetic_v<T>) const IndexedElement& operator=(T d) const {
@@ -317,6 +321,8 @@ inline constexpr Global global{};
 
 // A built-in variable of the run or the room: health = 25; room_width.
 template <auto GetIt, auto SetIt> struct RunVariable : NumberRef<RunVariable<GetIt, SetIt>> {
+  constexpr RunVariable() = default;
+  constexpr RunVariable(const RunVariable&) = default;
   double Get() const { return GetIt(); }
   template <class T>
   requires(std::is_arithmetic_v<T> && !std::is_null_pointer_v<decltype(SetIt)>) const RunVariable&
@@ -334,6 +340,7 @@ template <auto GetIt, auto SetIt> struct RunVariable : NumberRef<RunVariable<Get
 template <auto GetIt, auto SetIt> struct RunElement : NumberRef<RunElement<GetIt, SetIt>> {
   int index;
   explicit RunElement(int at) : index(at) {}
+  RunElement(const RunElement&) = default;
   double Get() const { return GetIt(index); }
   template <class T>
   requires(std::is_arithmetic_v<T> && !std::is_null_pointer_v<decltype(SetIt)>) const RunElement&
