@@ -37,6 +37,7 @@ struct InstanceLinks {
   float sortDepth = 0;                 // the depth under which it stands in the list
   bool inInactiveList = false;         // of the room's two lists
   bool inResortList = false, inChangeList = false, inDeactivationList = false, inMarkedList = false;
+  int32_t indexSlot = -1; // record of the collision index; -1 none
 };
 
 // The built-in state, without identity.
@@ -86,7 +87,6 @@ struct InstanceState {
   CCode* preCreateCode = nullptr;
   int32_t layerId = -1;
   float depth = 0;
-  int32_t indexSlot = -1; // record of the collision index; -1 none
 };
 
 class CInstance : public ZqObjectBase, public InstanceLinks, public InstanceState {

@@ -6,14 +6,16 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace vesk {
 
 class CInstance;
-class ContainerView;
-struct LoadError;
+namespace container {
+struct ObjectRecord;
+} // namespace container
 
 // A doubly linked list of instances in order of insertion. Nodes come from a pool that all lists share; the
 // instance keeps those it stands under, so that it leaves every list in constant time.
@@ -40,6 +42,17 @@ public:
 
 private:
   void Unlink(Node* node);
+};
+
+// Where nodes come from and go back to; grows in blocks that stay.
+class NodePool {
+public:
+  InstanceList::Node* Take();
+  void Return(InstanceList::Node* node);
+
+private:
+  std::vector<std::unique_ptr<InstanceList::Node[]>> m_blocks;
+  InstanceList::Node* m_free = nullptr;
 };
 
 // One event of one object. Owns its code.
@@ -96,6 +109,7 @@ struct CollisionPair {
 };
 
 struct ObjectState {
+  NodePool nodePool;                             // outlives the lists
   std::vector<std::unique_ptr<CObjectFb>> table; // by index; null for a hole
   std::vector<int32_t> eventObjects[kEventTypeCount][256];
   std::vector<CollisionPair> collisionPairs;
@@ -109,8 +123,8 @@ int32_t Object_FindByName(std::string_view name); // first of that name, -1 none
 const char* Object_Name(int32_t index);           // "<undefined>" for an unknown one
 // After all objects are loaded, and again only when the table changes.
 void BuildEventLists();
-// Appends the objects of an OBJT chunk; `chunk` is the offset of its body. Parents are resolved at the end.
-LoadError Object_LoadChunk(const ContainerView& container, uint32_t chunk, uint32_t size);
+// Fills the table from checked records. Lists are built afterwards.
+void Object_Load(const std::vector<std::optional<container::ObjectRecord>>& records);
 // A new object at the end of the table, for objects that no container describes.
 CObjectFb& Object_Add(std::string name);
 

@@ -7,6 +7,7 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,7 +16,9 @@ namespace vesk {
 class CInstance;
 class CObjectFb;
 class ContainerView;
-struct LoadError;
+namespace container {
+struct RoomRecord;
+} // namespace container
 
 inline constexpr int kRoomSlots = 8; // backgrounds and views of a room
 
@@ -92,6 +95,11 @@ struct InstanceTemplate {
 
 class CRoom {
 public:
+  CRoom() = default;
+  ~CRoom(); // deletes its instances; no event runs
+  CRoom(const CRoom&) = delete;
+  CRoom& operator=(const CRoom&) = delete;
+
   int32_t index = -1;
   std::string name;
   std::string caption;
@@ -127,6 +135,7 @@ struct RoomState {
   int32_t nextInstanceId = 100000;                 // the last id given
   int32_t nextTileId = 10000000;
   uint64_t passCounter = 0;
+  uint64_t listCounter = 0; // entries into room lists so far
   int64_t frameCounter = 0;
 };
 RoomState& Rooms();
@@ -140,15 +149,15 @@ int32_t instance_create(float x, float y, int32_t object); // id, -1 with an err
 
 // A new instance of the current room with a fresh id, in the room list and the table; no event has run.
 CInstance* Instance_Add(CObjectFb* object, float x, float y);
+void RunCreationEvents(CInstance* instance); // pre-create, then create
 // Leaves the table and its room list, and is deleted. No event runs.
 void Instance_Remove(CInstance* instance);
 
 // ---- rooms as assets ----
 
 CRoom* Room_Find(int32_t index); // the template; null for an index that names none
-// Appends the rooms of a ROOM chunk as templates; `chunk` is the offset of its body. Backgrounds must be
-// loaded.
-LoadError Room_LoadChunk(const ContainerView& container, uint32_t chunk, uint32_t size);
+// Fills the templates from checked records. Backgrounds must be loaded, for those that are stretched.
+void Room_Load(const std::vector<std::optional<container::RoomRecord>>& records, const ContainerView& bytes);
 
 // ---- room flow, called by the frame function ----
 

@@ -40,11 +40,18 @@ void PerformOwnEvent(CInstance* self, CInstance* other, int32_t type, int32_t su
 // On every live active instance, lowest depth first. Nothing while a room request is pending.
 void BroadcastEvent(int32_t type, int32_t subtype);
 
+// As rules call them; the forms without `other` hand on self.
 void event_perform(CInstance* self, CInstance* other, int32_t type, int32_t number);
+inline void event_perform(CInstance* self, int32_t type, int32_t number) {
+  event_perform(self, self, type, number);
+}
 void event_perform_object(CInstance* self, CInstance* other, int32_t object, int32_t type, int32_t number);
 void event_user(CInstance* self, CInstance* other, int32_t number);
-// The running event of the parent of the object that owns the running handler.
+inline void event_user(CInstance* self, int32_t number) { event_user(self, self, number); }
+// The running event, as the parent of the object that owns the running handler has it.
 void event_inherited(CInstance* self, CInstance* other);
+inline void event_inherited(CInstance* self) { event_inherited(self, self); }
+void Function_AddEvent();
 
 // ---- passes ----
 
