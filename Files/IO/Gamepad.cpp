@@ -3,6 +3,7 @@
 #include "Files/Base/Console.h"
 #include "Files/IO/GamepadMapping.h"
 #include "Files/Run/Run_Frame.h"
+#include "Files/Support/Support_Files.h"
 #include "Platform/Files.h"
 #include "Platform/Platform.h"
 

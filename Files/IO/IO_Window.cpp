@@ -39,12 +39,17 @@ bool ClosesByKey(const Message& message) {
   return true;
 }
 
+bool TogglesFullscreen(const Message& message) {
+  return Loop().altEnter && message.system && message.key == vk_enter && !message.repeat;
+}
+
 } // namespace
 
 void WindowProcedure(const Message& message) {
   switch (message.kind) {
   case MessageKind::KeyDown:
     if (ClosesByKey(message)) return;
+    if (TogglesFullscreen(message)) window_set_fullscreen(!window_get_fullscreen());
     IO_KeyDown(message.key, message.repeat);
     if (const int32_t sided = SidedCode(message)) IO_KeyDown(sided, message.repeat);
     return;

@@ -10,7 +10,8 @@ struct LoopState {
   bool debuggerPause = false;      // the body of the frame is skipped
   bool changeGame = false;         // another game was asked for: any request ends this one
   bool focused = true;             // the main window is the active one
-  bool freezeWithoutFocus = false; // option of the data
+  bool altEnter = false;           // option of the data: Alt+Enter toggles full screen
+  bool freezeWithoutFocus = false; // option of the data: no frame body while unfocused
 
   int64_t frameStart = 0;
   int64_t frameEnd = 0;     // when the frame function was entered

@@ -1,0 +1,94 @@
+#include "Files/Run/Profiler.h"
+
+#include "Files/Base/Console.h"
+#include "Files/Run/Timing.h"
+#include "Platform/Files.h"
+
+#include <algorithm>
+#include <cinttypes>
+#include <cstring>
+#include <vector>
+
+namespace vesk {
+
+namespace {
+
+struct Mark {
+  const char* name;
+  int64_t calls = 0;
+  int64_t total = 0; // microseconds
+  int64_t longest = 0;
+};
+
+struct ProfilerState {
+  bool running = false;
+  std::vector<Mark> marks; // few, in order of first use
+  size_t current = SIZE_MAX;
+  int64_t since = 0;
+  int64_t frames = 0;
+  std::string dumpFile;
+  int32_t dumpAfter = 0;
+};
+ProfilerState state;
+
+size_t FindMark(const char* name) {
+  for (size_t at = 0; at < state.marks.size(); ++at)
+    if (std::strcmp(state.marks[at].name, name) == 0) return at;
+  state.marks.push_back({name});
+  return state.marks.size() - 1;
+}
+
+void EndMark() {
+  if (state.current == SIZE_MAX) return;
+  Mark& mark = state.marks[state.current];
+  const int64_t spent = Timing_Time() - state.since;
+  ++mark.calls;
+  mark.total += spent;
+  mark.longest = std::max(mark.longest, spent);
+  state.current = SIZE_MAX;
+}
+
+} // namespace
+
+void Profiler_Start(const std::string& dumpFile, int32_t dumpAfterFrames) {
+  state = ProfilerState{};
+  state.running = true;
+  state.dumpFile = dumpFile;
+  state.dumpAfter = dumpAfterFrames;
+}
+
+void Profiler_Stop() { state.running = false; }
+bool Profiler_Running() { return state.running; }
+
+void Profiler_Mark(const char* name) {
+  if (!state.running) return;
+  EndMark();
+  state.current = FindMark(name);
+  state.since = Timing_Time();
+}
+
+void Profiler_EndFrame() {
+  if (!state.running) return;
+  EndMark();
+  ++state.frames;
+  if (state.dumpFile.empty() || state.frames != state.dumpAfter) return;
+  std::string why;
+  if (!File_WriteAll(state.dumpFile, Profiler_Text(), &why))
+    ErrorConsole().Output("Profile: %s\n", why.c_str());
+}
+
+std::string Profiler_Text() {
+  std::vector<Mark> marks = state.marks;
+  std::stable_sort(marks.begin(), marks.end(),
+                   [](const Mark& a, const Mark& b) { return a.total > b.total; });
+  std::string text = FormatText("%" PRId64 " frames\n", state.frames);
+  for (const Mark& mark : marks)
+    text += FormatText("%-20s %8" PRId64 " calls %10" PRId64 " us %8.1f mean %8" PRId64 " longest\n",
+                       mark.name, mark.calls, mark.total,
+                       static_cast<double>(mark.total) / static_cast<double>(mark.calls), mark.longest);
+  return text;
+}
+
+void Profiler_Reset() { state = ProfilerState{}; }
+
+} // namespace vesk

@@ -1,0 +1,18 @@
+#pragma once
+// Time spent under each mark of the frame, and the dump of -profiledump. Game thread only.
+#include <cstdint>
+#include <string>
+
+namespace vesk {
+
+void Profiler_Start(const std::string& dumpFile, int32_t dumpAfterFrames); // an empty file name: no dump
+void Profiler_Stop();
+bool Profiler_Running();
+// Ends the running mark and begins the named one; the name must be a literal.
+void Profiler_Mark(const char* name);
+void Profiler_EndFrame();
+// One line a mark: name, calls, total and mean microseconds, longest. Longest total first.
+std::string Profiler_Text();
+void Profiler_Reset();
+
+} // namespace vesk
