@@ -8,7 +8,14 @@
 #include "Files/Function/Function_Math.h"
 #include "Files/Function/Function_Random.h"
 #include "Files/Function/Function_String.h"
-#include "Files/Graphics/Function_Draw.h"
+#include "Files/Background/DrawBackground.h"
+#include "Files/Font/Font.h"
+#include "Files/Graphics/Draw.h"
+#include "Files/Graphics/DrawScreen.h"
+#include "Files/Graphics/Graphics.h"
+#include "Files/Graphics/Shader.h"
+#include "Files/Graphics/Surface.h"
+#include "Files/Sprite/DrawSprite.h"
 #include "Files/IO/Function_Keyboard.h"
 #include "Files/Motion/Function_Motion.h"
 #include "Files/Object/Function_Collision.h"
@@ -25,10 +32,6 @@ namespace vesk {
 
 using namespace var; // rules name variables plainly
 
-// Colours as scripts have them: red in the low byte.
-inline constexpr int c_white = 0xFFFFFF;
-inline constexpr int c_black = 0;
-inline constexpr int c_red = 255;
 
 // An instance at (x, y), as a handle.
 inline Self make(double x, double y, int object) {

@@ -1,6 +1,6 @@
 #include "game/text.h"
 
-#include "Files/Font/Function_Font.h"
+#include "Files/Font/Font.h"
 #include "Files/Function/Function_String.h"
 
 namespace vesk {

@@ -27,8 +27,8 @@ constexpr double kTurnDrag = 0.075; // more of it against the motion
 constexpr int kLedgeGrace = 4;     // steps off a ledge that still count as ground
 constexpr int kSkidSmokeSteps = 8;
 
-bool held(int key) { return keyboard_check(key); }
-bool held_alone(int key, int opposite) { return keyboard_check(key) && !keyboard_check(opposite); }
+bool key_down(int key) { return keyboard_check(key); }
+bool only_key(int key, int opposite) { return keyboard_check(key) && !keyboard_check(opposite); }
 bool has_controls(Self self) { return self[disablecontrols] == 0; }
 bool jump_pressed(Self self) { return keyboard_check_pressed(kJumpKey) && has_controls(self); }
 bool clings(int character) { return character == 1 || character == 2; }
@@ -163,7 +163,7 @@ void stand_on_slope(Self self) {
     while (slope_between(self, self[bbox_bottom] - 4, self[bbox_bottom])) self[y] -= 1;
 }
 
-void move(Self self) {
+void move_by_state(Self self) {
   if (self[isswim] != 0) event_user(self, 3);
   else if (self[state] == kClimbing) event_user(self, 4);
   else if (self[state] == kClinging) event_user(self, 5);
@@ -200,9 +200,9 @@ void duck(Self self) {
   if (self[state] == kClimbing || self[state] == kClinging) {
     self[isduck] = 0;
   } else if (self[state] != kInAir && has_controls(self)) {
-    if (held(kDown) && self[holding] == 0) {
+    if (key_down(kDown) && self[holding] == 0) {
       self[isduck] = 1;
-    } else if (!held(kDown) && !touches(self, self[bbox_left], self[bbox_top] - 16, self[bbox_right],
+    } else if (!key_down(kDown) && !touches(self, self[bbox_left], self[bbox_top] - 16, self[bbox_right],
                                         self[bbox_top], obj_solid, kPrecise)) {
       self[isduck] = 0;
     }
@@ -237,7 +237,7 @@ void Step(Self self) {
   land_on_tops(self);
   stick_to_descending_slope(self);
   stand_on_slope(self);
-  move(self);
+  move_by_state(self);
   meet_walls(self);
   meet_ceiling(self);
   duck(self);
@@ -295,8 +295,8 @@ void run(Self self) {
     apply_friction(self, 0.05);
     return;
   }
-  if (held_alone(kRight, kLeft) && has_controls(self)) accelerate(self, 1);
-  else if (held_alone(kLeft, kRight) && has_controls(self)) accelerate(self, -1);
+  if (only_key(kRight, kLeft) && has_controls(self)) accelerate(self, 1);
+  else if (only_key(kLeft, kRight) && has_controls(self)) accelerate(self, -1);
   else slow_down(self);
   if (self[state] != kInAir && abs(self[hspeed]) > kTopSpeed) apply_friction(self, 0.025);
 }
@@ -313,7 +313,7 @@ void fall(Self self) {
 }
 
 void grab_climbable(Self self) {
-  const bool wants = held(kUp) || (held(kDown) && self[state] == kInAir);
+  const bool wants = key_down(kUp) || (key_down(kDown) && self[state] == kInAir);
   if (!wants || self[holding] != 0 || !has_controls(self) || !place_meeting(self, self[x], self[y], obj_climb)) return;
   self[state] = kClimbing;
   self[gravity] = 0;
@@ -343,8 +343,8 @@ void cling_to_wall(Self self) {
   if (self[state] != kInAir || self[isduck] != 0 || self[stompstyle] != 0 || !has_controls(self) ||
       global[velmo] != 0 || !clings(global[powerup]) || !(self[vspeed] > 0) || self[holding] != 0)
     return;
-  const bool right = held(kRight) && self[direct] == 1 && right_wall(self);
-  const bool left = held(kLeft) && self[direct] == -1 && left_wall(self);
+  const bool right = key_down(kRight) && self[direct] == 1 && right_wall(self);
+  const bool left = key_down(kLeft) && self[direct] == -1 && left_wall(self);
   if (!right && !left) return;
   self[state] = kClinging;
   self[vspeed] = 0;
@@ -373,7 +373,7 @@ void MoveOnLand(Self self) {
 
 void stroke(Self self) {
   if (!jump_pressed(self)) return;
-  self[vspeed] = held(kUp) ? -3.5 : held(kDown) && self[isduck] == 0 ? -1 : -2.5;
+  self[vspeed] = key_down(kUp) ? -3.5 : key_down(kDown) && self[isduck] == 0 ? -1 : -2.5;
   audio_play_sound(snd_swim, 0, false);
   self[state] = kInAir;
 }
@@ -400,8 +400,8 @@ void MoveInWater(Self self) {
   stroke(self);
 
   const bool may_paddle = has_controls(self) && (self[isduck] == 0 || self[state] == kInAir);
-  if (held_alone(kRight, kLeft) && may_paddle) paddle(self, 1);
-  else if (held_alone(kLeft, kRight) && may_paddle) paddle(self, -1);
+  if (only_key(kRight, kLeft) && may_paddle) paddle(self, 1);
+  else if (only_key(kLeft, kRight) && may_paddle) paddle(self, -1);
   else apply_friction(self, 0.05);
 
   const double limit = self[state] == kInAir ? 1.5 : 0.5;
@@ -418,10 +418,10 @@ void Climb(Self self) {
   if (!has_controls(self)) {
     self[speed] = 0;
   } else {
-    const int sideways = held_alone(kRight, kLeft) - held_alone(kLeft, kRight);
+    const int sideways = only_key(kRight, kLeft) - only_key(kLeft, kRight);
     self[hspeed] = sideways;
     if (sideways != 0) self[direct] = sideways;
-    self[vspeed] = held_alone(kDown, kUp) - held_alone(kUp, kDown);
+    self[vspeed] = only_key(kDown, kUp) - only_key(kUp, kDown);
     if (keyboard_check_pressed(kJumpKey)) {
       start_jump(self, -3.75);
       self[state] = kInAir;
@@ -441,8 +441,8 @@ void Climb(Self self) {
 // ---- user event 5: clinging; `direct` looks away from the wall ----
 
 bool cling_ends(Self self) {
-  if (self[direct] == -1 && (held(kLeft) || !right_wall(self))) return true;
-  if (self[direct] == 1 && (held(kRight) || !left_wall(self))) return true;
+  if (self[direct] == -1 && (key_down(kLeft) || !right_wall(self))) return true;
+  if (self[direct] == 1 && (key_down(kRight) || !left_wall(self))) return true;
   return feet_probe(self);
 }
 
@@ -464,7 +464,7 @@ void Cling(Self self) {
 // ---- user event 1: off something stomped ----
 
 void Bounce(Self self) {
-  self[jumpnow] = held(kJumpKey) ? kRising : kJumpSpent;
+  self[jumpnow] = key_down(kJumpKey) ? kRising : kJumpSpent;
   self[state] = kInAir;
   self[vspeed] = -4;
   if (!ceiling_at(self, self[bbox_top])) self[y] -= 1; // else the next feet probe calls it ground
