@@ -1,6 +1,7 @@
 #include "game/ScriptTable.h"
 
 #include "game/NotBuilt.h"
+#include "game/level/catalogue.h"
 #include "game/level/files.h"
 #include "game/level/level_build.h"
 #include "game/level/level_file.h"
@@ -33,8 +34,8 @@ constexpr ScriptEntry kScripts[] = {
     NotBuilt("scr_enemy_sees_player"),
     NotBuilt("scr_make_bodyparts"),
     NotBuilt("scr_emit_light"),
-    NotBuilt("scr_constant_get_sprite"),
-    NotBuilt("scr_sprite_get_constant"),
+    Script<&scr_constant_get_sprite>("scr_constant_get_sprite"),
+    Script<&scr_sprite_get_constant>("scr_sprite_get_constant"),
     NotBuilt("scr_sprite_make_object"),
     Script<&scr_init_globals>("scr_init_globals"),
     Script<&scr_clearvars>("scr_clearvars"),
@@ -51,12 +52,12 @@ constexpr ScriptEntry kScripts[] = {
     Script<&scr_gen_music>("scr_gen_music"),
     Script<&scr_check_tiles_right>("scr_check_tiles_right"),
     Script<&scr_check_tiles_down>("scr_check_tiles_down"),
-    NotBuilt("scr_gen_object_editor"),
-    NotBuilt("scr_gen_object_level"),
-    NotBuilt("scr_gen_modifier_editor"),
-    NotBuilt("scr_gen_modifier_level"),
-    NotBuilt("scr_gen_marker_editor"),
-    NotBuilt("scr_gen_marker_level"),
+    Script<&scr_gen_object_editor>("scr_gen_object_editor"),
+    Script<&scr_gen_object_level>("scr_gen_object_level"),
+    Script<&scr_gen_modifier_editor>("scr_gen_modifier_editor"),
+    Script<&scr_gen_modifier_level>("scr_gen_modifier_level"),
+    Script<&scr_gen_marker_editor>("scr_gen_marker_editor"),
+    Script<&scr_gen_marker_level>("scr_gen_marker_level"),
     Script<&string_add_zeros>("string_add_zeros"),
     Script<&string_copy_improved>("string_copy_improved"),
     Script<&string_make_width>("string_make_width"),
