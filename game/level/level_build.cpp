@@ -10,12 +10,6 @@ namespace {
 
 constexpr int kFirstNetRow = 27; // climbable cells of the atlas from this row on are nets
 
-struct BackgroundLabel {
-  std::string_view label;
-  int background;
-  int red, green, blue; // ambient light
-  bool animated = false;
-};
 constexpr BackgroundLabel kBackgroundLabels[] = {
     {"Wall", bg_classic, 32, 32, 64},
     {"Red Wall", bg_castlewall, 111, 0, 15},
@@ -44,15 +38,11 @@ constexpr BackgroundLabel kBackgroundLabels[] = {
     {"Fort", bg_fort, 32, 32, 64},
 };
 
-struct MusicLabel {
-  std::string_view label;
-  int sound;
-};
 constexpr MusicLabel kMusicLabels[] = {
-    {"Sick", Sick},         {"Dubstep", Dubstep},   {"Cool", Cool},         {"Horror", snd_horror}, {"Techno", Techno},
-    {"Dark", Dark},         {"Drop", Drop},         {"Cave", Cave},         {"Edge", Edge},         {"Corrupt", Corrupt},
-    {"Dirty", Dirty},       {"Hardcore", Hardcore}, {"WubWub", WubWub},     {"Frost", Frost},       {"Airship", Airship},
-    {"Dramatic", Dramatic}, {"Fort", Fort},         {"Smithy", Smithy},
+    {"Sick", Sick},     {"Dubstep", Dubstep}, {"Cool", Cool},   {"Horror", snd_horror}, {"Techno", Techno},
+    {"Dark", Dark},     {"Drop", Drop},       {"Cave", Cave},   {"Edge", Edge},         {"Corrupt", Corrupt},
+    {"Dirty", Dirty},   {"Hardcore", Hardcore}, {"WubWub", WubWub}, {"Frost", Frost},   {"Airship", Airship},
+    {"Dramatic", Dramatic}, {"Fort", Fort},   {"Smithy", Smithy},
 };
 
 // The slopes' letters run in this order.
@@ -83,6 +73,9 @@ void merge_runs(int object, Run run, bool exact) {
 }
 
 } // namespace
+
+std::span<const BackgroundLabel> BackgroundLabels() { return kBackgroundLabels; }
+std::span<const MusicLabel> MusicLabels() { return kMusicLabels; }
 
 void scr_gen_tile(std::string key, std::string value, double depth) {
   const DebugFrame frame("scr_gen_tile");

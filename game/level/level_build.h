@@ -1,6 +1,8 @@
 #pragma once
 // From the data of a section to what the player sees and walks on.
+#include <span>
 #include <string>
+#include <string_view>
 
 namespace vesk {
 
@@ -20,6 +22,21 @@ double scr_gen_music(std::string label);
 // Whether a tile stands in the last column or row of a section of that many cells.
 bool scr_check_tiles_right(double width, double height);
 bool scr_check_tiles_down(double width, double height);
+
+// The labels of backgrounds, in the order of the window that offers them.
+struct BackgroundLabel {
+  std::string_view label;
+  int background;
+  int red, green, blue; // ambient light
+  bool animated = false;
+};
+std::span<const BackgroundLabel> BackgroundLabels();
+// The labels of music, in the same way.
+struct MusicLabel {
+  std::string_view label;
+  int sound;
+};
+std::span<const MusicLabel> MusicLabels();
 
 // Collapses runs of equal terrain, so that a wall of a hundred cells is one instance.
 void merge_terrain();
