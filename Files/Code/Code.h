@@ -21,7 +21,6 @@ public:
   constexpr EventFunction(void (*function)(Self)) : m_self(function) {}
   constexpr EventFunction(void (*function)(Self, Self)) : m_pair(function) {}
   constexpr explicit operator bool() const { return m_self || m_pair; }
-  bool operator==(const EventFunction&) const = default;
   void operator()(CInstance* self, CInstance* other) const;
 
 private:
@@ -139,6 +138,7 @@ uint32_t Random_Next();
 struct RandomState {
   uint32_t words[16];
   uint32_t index;
+  int32_t seed; // that it was last given
 };
 RandomState& Random();
 
