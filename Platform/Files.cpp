@@ -166,7 +166,9 @@ std::vector<FileInfo> Directory_Find(const std::string& folder, const std::strin
     found.push_back(std::move(info));
   }
   std::sort(found.begin(), found.end(), [](const FileInfo& left, const FileInfo& right) {
-    const auto less = [](char a, char b) { return Lower(a) < Lower(b); };
+    const auto less = [](char a, char b) {
+      return static_cast<unsigned char>(Lower(a)) < static_cast<unsigned char>(Lower(b));
+    };
     const auto precedes = [&](const std::string& a, const std::string& b) {
       return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(), less);
     };
@@ -329,6 +331,10 @@ bool CReplacementFile::Open(const std::string& path, std::string* why) {
     return false;
   }
   std::error_code error;
+  if (fs::exists(m_path, error) && !File_Exists(m_path)) {
+    Explain(why, path, "is no plain file"); // a device must not give way to one
+    return false;
+  }
   if (fs::is_symlink(m_path, error)) m_path = fs::weakly_canonical(m_path, error).string();
   if (File_Exists(m_path) && access(m_path.c_str(), W_OK) != 0) {
     ExplainErrno(why, path);

@@ -138,7 +138,6 @@ uint32_t Random_Next();
 struct RandomState {
   uint32_t words[16];
   uint32_t index;
-  int32_t seed; // that it was last given
 };
 RandomState& Random();
 
