@@ -342,7 +342,9 @@ bool CReplacementFile::Open(const std::string& path, std::string* why) {
   }
   m_beside = m_path + ".part" + std::to_string(getpid());
   m_failed = false;
-  return m_file.Open(m_beside, "wb", why);
+  if (m_file.Open(m_beside, "wb")) return true;
+  ExplainErrno(why, path);
+  return false;
 }
 
 bool CReplacementFile::Write(std::string_view bytes) {
