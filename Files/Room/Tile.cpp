@@ -71,6 +71,11 @@ bool TileList::Delete(int32_t id) {
   return true;
 }
 
+void TileList::DeleteAtDepth(float depth) {
+  for (const Tile& tile : m_tiles)
+    if (tile.depth == depth) Delete(tile.id);
+}
+
 void TileList::SortByDepth() {
   if (m_deleted > 0) {
     std::erase_if(m_tiles, [](const Tile& tile) { return tile.id < 0; });

@@ -36,6 +36,7 @@ public:
   // list.
   Tile* Edit(int32_t id);
   bool Delete(int32_t id);
+  void DeleteAtDepth(float depth);
   // The tile of exactly this depth that contains the point and whose centre is nearest; null none.
   const Tile* FindAt(float depth, float x, float y) const;
   // Calls change(tile) for each tile of exactly this depth.
