@@ -138,6 +138,7 @@ uint32_t Random_Next();
 struct RandomState {
   uint32_t words[16];
   uint32_t index;
+  int32_t seed; // that it was last given
 };
 RandomState& Random();
 

@@ -8,6 +8,7 @@ namespace {
 // The game's generator starts with the seed 0 before anything runs.
 RandomState MakeState(int32_t seed) {
   RandomState state{};
+  state.seed = seed;
   for (uint32_t& word : state.words) {
     const uint32_t product = static_cast<uint32_t>(seed) * 214013u + 2531011u;
     seed = (static_cast<int32_t>(product) >> 16) & 0x7FFFFFFF;

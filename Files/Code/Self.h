@@ -24,6 +24,7 @@ struct Real {
   double v = 0;
   constexpr Real() = default;
   constexpr Real(double value) : v(value) {}
+  operator RValue() const { return RValue(v); }
   template <class T>
   requires std::is_arithmetic_v<T>
   constexpr operator T() const { return static_cast<T>(v); }
@@ -127,6 +128,7 @@ template <class R> struct NumberRef {
     return static_cast<T>(self().Get());
   }
   operator bool() const { return self().Get() > 0.5; }
+  operator RValue() const { return detail::Boxed(self()); } // for arguments of any kind
   const R& operator+=(double d) const { return self() = self().Get() + d; }
   const R& operator-=(double d) const { return self() = self().Get() - d; }
   const R& operator*=(double d) const { return self() = self().Get() * d; }

@@ -32,7 +32,7 @@ using NameIndex = std::unordered_map<std::string, int32_t, NameHash, std::equal_
 
 struct RegistryState {
   std::deque<RegistryEntry> entries; // an entry stays in place while others are added
-  NameIndex byName; // the first of each name, as a search from the front finds it
+  NameIndex byName;                  // the first of each name, as a search from the front finds it
   std::deque<RegistryEntry> extensions;
 };
 RegistryState g_registry;

@@ -6,16 +6,12 @@
 #include <array>
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
 namespace vesk {
 
 class CInstance;
-namespace container {
-struct ObjectRecord;
-} // namespace container
 
 // A doubly linked list of instances in order of insertion. Nodes come from a pool that all lists share; the
 // instance keeps those it stands under, so that it leaves every list in constant time.
@@ -123,8 +119,6 @@ int32_t Object_FindByName(std::string_view name); // first of that name, -1 none
 const char* Object_Name(int32_t index);           // "<undefined>" for an unknown one
 // After all objects are loaded, and again only when the table changes.
 void BuildEventLists();
-// Fills the table from checked records. Lists are built afterwards.
-void Object_Load(const std::vector<std::optional<container::ObjectRecord>>& records);
 // A new object at the end of the table, for objects that no container describes.
 CObjectFb& Object_Add(std::string name);
 

@@ -7,7 +7,6 @@
 #include <array>
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,10 +14,6 @@ namespace vesk {
 
 class CInstance;
 class CObjectFb;
-class ContainerView;
-namespace container {
-struct RoomRecord;
-} // namespace container
 
 inline constexpr int kRoomSlots = 8; // backgrounds and views of a room
 
@@ -156,9 +151,6 @@ void Instance_Remove(CInstance* instance);
 // ---- rooms as assets ----
 
 CRoom* Room_Find(int32_t index); // the template; null for an index that names none
-// Fills the templates from checked records. Backgrounds must be loaded, for those that are stretched.
-void Room_Load(const std::vector<std::optional<container::RoomRecord>>& records, const ContainerView& bytes);
-
 // ---- room flow, called by the frame function ----
 
 // Both run events; a request made in them is left in Rooms().request.

@@ -107,6 +107,7 @@ void CleanUpInstances() {
 void RemoveMarked() {
   RunState& run = Run();
   if (run.markedList.empty()) return;
+  run.waking.clear(); // the last clean-up leaves its own in it
   run.waking.swap(run.markedList);
   for (CInstance* it : run.waking) {
     it->inMarkedList = false;

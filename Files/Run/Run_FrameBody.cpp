@@ -98,8 +98,6 @@ bool Enter() {
   Call(services.feedAudio);
   Mark("IO&Kelda");
   Call(services.updateInput);
-  g_frame.mouseXPrevious = g_frame.input.mouseX;
-  g_frame.mouseYPrevious = g_frame.input.mouseY;
   if (services.readInput) services.readInput(g_frame.input);
   return !(services.frozen && services.frozen());
 }

@@ -37,7 +37,6 @@ struct FrameBodyState {
   StepInput input;
   int64_t lastEntry = -1; // time of the previous frame body, -1 before the first
   int64_t deltaTime = 0;  // delta_time, microseconds
-  float mouseXPrevious = 0, mouseYPrevious = 0;
 };
 FrameBodyState& FrameBody();
 void Run_ResetFrameBody(); // keeps the services

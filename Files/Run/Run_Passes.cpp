@@ -2,6 +2,7 @@
 #include "Files/Run/Run_Passes.h"
 
 #include "Files/Object/Collision.h"
+#include "Files/Object/CollisionQuery.h"
 #include "Files/Path/Path.h"
 #include "Files/Room/Room.h"
 #include "Files/Run/Run_Events.h"
@@ -193,27 +194,11 @@ void Meet(CInstance& a, CInstance& b) {
   StepBack(b);
 }
 
-void CollidePair(const CollisionPair& pair) {
-  const uint64_t limit = BeginPass();
-  const auto takesPart = [limit](const CInstance& it) { return it.Live() && it.creationStamp <= limit; };
-  for (InstanceList::Node *nodeA = pair.objectA->instances.head, *nextA; nodeA; nodeA = nextA) {
-    nextA = nodeA->next;
-    CInstance& a = *nodeA->instance;
-    if (!takesPart(a)) continue;
-    for (InstanceList::Node *nodeB = pair.objectB->instances.head, *nextB; nodeB; nodeB = nextB) {
-      nextB = nodeB->next;
-      CInstance& b = *nodeB->instance;
-      if (takesPart(b) && Collide(a, b, true)) Meet(a, b);
-    }
-  }
-}
-
 } // namespace
 
 void CollisionPass() {
   for (const CollisionPair& pair : Objects().collisionPairs)
-    if (pair.enabled && pair.objectA->instances.count > 0 && pair.objectB->instances.count > 0)
-      CollidePair(pair);
+    if (pair.enabled && pair.objectA->instances.count > 0) ForEachCollidingPair(pair, BeginPass(), Meet);
 }
 
 } // namespace vesk

@@ -1,0 +1,71 @@
+// vesk-sim: plays the game without a window, from a script, as fast as the machine can.
+#include "apps/container/EmbeddedContainer.h"
+#include "sim/Script.h"
+
+#include <CLI/CLI.hpp>
+#include <sys/resource.h>
+
+#include <chrono>
+#include <fstream>
+#include <iostream>
+
+namespace {
+
+using namespace vesk;
+
+struct Options {
+  std::string script, directory;
+  int32_t seed = 1;
+  bool quiet = false;
+};
+
+void PrintStatistics(int64_t frames, double seconds) {
+  rusage usage{};
+  getrusage(RUSAGE_SELF, &usage);
+  std::cerr << frames << " frames, " << seconds << " s, "
+            << static_cast<int64_t>(seconds > 0 ? static_cast<double>(frames) / seconds : 0) << " frames a second, "
+            << usage.ru_maxrss / 1024 << " MB\n";
+}
+
+int Run(const Options& options) {
+  std::ifstream file;
+  if (options.script != "-") {
+    file.open(options.script);
+    if (!file) {
+      std::cerr << "vesk-sim: the script \"" << options.script << "\" can't be read\n";
+      return static_cast<int>(ScriptResult::kBadScript);
+    }
+  }
+  SimulationSettings settings;
+  settings.directory = options.directory;
+  settings.seed = options.seed;
+  settings.container = EmbeddedContainer();
+  Simulation simulation(settings);
+
+  const auto start = std::chrono::steady_clock::now();
+  const ScriptResult result =
+      RunScript(simulation, options.script == "-" ? std::cin : file, {std::cout, std::cerr});
+  const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
+  std::cout.flush();
+  if (!options.quiet) PrintStatistics(simulation.Frame(), seconds.count());
+  return static_cast<int>(result);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+  CLI::App app("Plays Vesk Editor without a window, from a script of one command a line.", "vesk-sim");
+  Options options;
+  app.add_option("SCRIPT", options.script, "The script file; - for standard input")->required();
+  app.add_option("--dir", options.directory, "The game's directory, with Level/ and Settings.dat (default: a fresh one)")
+      ->type_name("DIR");
+  app.add_option("--seed", options.seed, "What randomize seeds with (default 1)")->type_name("N");
+  app.add_flag("--quiet", options.quiet, "No statistics at the end");
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    const int code = app.exit(error);
+    return code == 0 ? 0 : static_cast<int>(ScriptResult::kBadScript);
+  }
+  return Run(options);
+}

@@ -1,0 +1,14 @@
+#pragma once
+// Objects and scripts that have their record but no rules yet. What is not built says so when it is reached.
+#include "Files/Code/Code.h"
+
+namespace vesk {
+
+class CInstance;
+
+// The Create of an object without rules: says so once an object on the release channel.
+void SayNotBuilt(Self self);
+// A script without a body: a fatal error report that names it.
+RValue& ReportNotBuiltScript(CInstance* self, CInstance* other, RValue& result, int argc, RValue** args);
+
+} // namespace vesk

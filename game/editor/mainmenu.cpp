@@ -1,0 +1,223 @@
+// obj_mainmenu and its rows: the list of levels, its filter, and naming a new level.
+#include "Files/Function/Function_Data_Structures.h"
+#include "game/Game.h"
+#include "game/editor/interface.h"
+#include "game/level/files.h"
+#include "game/level/level_file.h"
+#include "game/play/levelmanager.h"
+
+namespace vesk {
+
+namespace {
+
+enum Mode { kBrowsing, kNaming };
+constexpr int kFirstRowTop = 36, kRowStep = 32; // room pixels
+constexpr int kEdge = 8;
+
+std::string typed(Self menu) { return first(menu[readkeys])[words].text(); }
+void clear_typed(Self menu) { first(menu[readkeys])[words] = ""; }
+
+// ---- the menu ----
+
+void Create(Self self) {
+  self[mode] = kBrowsing;
+  self[error] = "";
+  self[note] = "";
+  self[text] = "";
+  self[mvmnt] = 0;
+  if (!audio_is_playing(Beat)) self[alarm][0] = 2;
+  if (ds_exists(global[leveldata], ds_type_map)) ds_map_destroy(global[leveldata]);
+  global[leveldata] = noone;
+  if (ds_exists(global[level_list], ds_type_list)) ds_list_destroy(global[level_list]);
+  global[level_list] = scr_level_get_levels();
+  make_button(self, 13, 7, "NEW", "", {spr_button_l}, obj_button_fixed);
+  make_button(self, 288, 7, "RANDOM", "", {spr_button_l}, obj_button_fixed);
+  self[readkeys] = make_key_reader(self, kNames).number();
+  event_user(self, 1);
+  global[section] = kMainSection;
+  global[challenge] = 0;
+  global[rememberview][0] = 0;
+  global[rememberview][1] = 0;
+  global[powerup] = 1;
+  self[image_speed] = 0.15;
+}
+
+void Alarm_Music(Self) { audio_play_sound(Beat, kMusicPriority, true); }
+
+bool matches(const std::string& name, const std::string& filter) {
+  return filter.empty() || string_pos(string_lower(filter), string_lower(name)) > 0;
+}
+
+void RebuildList(Self self) {
+  if (self[mode] == kNaming) return;
+  with(obj_mainmenu_level, [](Self row) { instance_destroy(row); });
+  const std::string filter = typed(self);
+  const int list = global[level_list];
+  int shown = 0;
+  for (int at = 0; at < ds_list_size(list); ++at) {
+    const std::string level = ValueAsText(ds_list_find_value(list, at));
+    if (!matches(level, filter)) continue;
+    make(10, kFirstRowTop + shown * kRowStep, obj_mainmenu_level)[name] = level;
+    ++shown;
+  }
+}
+
+void Typed(Self self) {
+  view_yview[0] = 0;
+  event_user(self, 1);
+}
+
+void start_naming(Self self) {
+  audio_play_sound(snd_pistolplus, 0, false);
+  if (!typed(self).empty()) {
+    clear_typed(self);
+    event_user(self, 1);
+  }
+  self[mode] = kNaming;
+}
+
+void stop_naming(Self self) {
+  audio_play_sound(snd_pistolplus, 0, false);
+  self[mode] = kBrowsing;
+  clear_typed(self);
+}
+
+void shuffle(Self self) {
+  ds_list_shuffle(global[level_list]);
+  view_yview[0] = 0;
+  event_user(self, 1);
+  audio_play_sound(snd_magic, 0, false);
+}
+
+void create_level(Self self) {
+  const std::string level = typed(self);
+  if (level.empty()) return refuse(self, "Level must have a name!");
+  if (FS_file_exists("Level/" + level + ".json")) {
+    refuse(self, "Level already exists!");
+    clear_typed(self);
+    return;
+  }
+  audio_stop_sound(Beat);
+  audio_play_sound(snd_pistolplus, 0, false);
+  global[levelname] = level;
+  scr_level_new();
+  room_goto(rm_editor);
+}
+
+void Notified(Self self) {
+  const bool naming = self[mode] == kNaming;
+  if (self[note] == "NEW") naming ? stop_naming(self) : start_naming(self);
+  else naming ? create_level(self) : shuffle(self);
+}
+
+// ---- scrolling ----
+
+bool more_below() {
+  const double bottom = view_yview[0] + view_hview[0];
+  return collision_line(nullptr, 192, view_yview[0] + 192, 192, static_cast<float>(bottom), obj_mainmenu_level, false,
+                        false) != noone;
+}
+
+void EndStep(Self self) {
+  self[x] = mouse_x;
+  self[y] = mouse_y;
+  self[mvmnt] = keyboard_check(kControlKey) ? 15 : 5;
+  const double in_view = self[y] - view_yview[0];
+  const bool up = keyboard_check(kUpKey) || mouse_wheel_up() || (in_view > -kEdge && in_view < kEdge);
+  const bool down = keyboard_check(kDownKey) || mouse_wheel_down() ||
+                    (in_view > view_hview[0] - kEdge && in_view < view_hview[0] + kEdge);
+  if (up) view_yview[0] -= self[mvmnt] + (mouse_wheel_up() ? 10 : 0);
+  if (down && more_below()) view_yview[0] += self[mvmnt] + (mouse_wheel_down() ? 10 : 0);
+  if (view_yview[0] < 0) view_yview[0] = 0;
+  background_y[0] = view_yview[0].Get();
+}
+
+// ---- drawing ----
+
+void Draw(Self) { draw_background(bg_bonus, 0, view_yview[0]); }
+
+void DrawGui(Self self) {
+  draw_sprite_ext(self, spr_editor_top, 0, 10, 4, 1, 1, 0, c_white, 0.7f);
+  draw_sprite_ext(self, spr_box_level_filter, 0, 98, 7, 1, 1, 0, c_white, 0.7f);
+}
+
+void DrawGuiEnd(Self self) {
+  const bool naming = self[mode] == kNaming;
+  draw_set_font(global[font]);
+  draw_text(naming ? 38 : 25, 14, naming ? "Cancel" : "New Level");
+  draw_text(naming ? 312 : 302, 14, naming ? "Create" : "Randomize");
+  draw_set_halign(fa_center);
+  draw_text(192, 14, prompt(typed(self), self[error].text(), naming ? "Type a level name!" : "Type to search!"));
+  draw_set_halign(fa_left);
+  draw_set_colour(c_white);
+  draw_sprite(self, spr_target, -1, self[x] - view_xview[0], self[y] - view_yview[0]);
+}
+
+// ---- a row ----
+
+void RowCreate(Self self) {
+  self[name] = "SET THIS TO LEVEL NAME";
+  self[note] = "";
+  make_button(self, 285, self[y] + 3, "PLAY", "", {spr_button_m}, obj_button_fixed);
+  make_button(self, 329, self[y] + 3, "EDIT", "", {spr_button_m}, obj_button_fixed);
+}
+
+void RowDestroy(Self self) { destroy_buttons_of(self); }
+
+// A damaged level is refused in the menu's own line; the menu stands.
+void RowNotified(Self self) {
+  scr_level_load(self[name].text());
+  if (const std::string problem = scr_level_problem(); !problem.empty()) {
+    with(obj_mainmenu, [&](Self menu) { refuse(menu, problem); });
+    return;
+  }
+  audio_stop_sound(Beat);
+  audio_play_sound(snd_pistolplus, 0, false);
+  global[levelname] = self[name];
+  if (self[note] == "PLAY") {
+    scr_clearvars();
+    global[gamemode] = 1;
+    room_goto(rm_template);
+  } else {
+    room_goto(rm_editor);
+  }
+}
+
+void RowDrawGui(Self self) {
+  const Real top = self[y] - view_yview[0];
+  draw_sprite_ext(self, spr_editor_top, 0, self[x], top, 1, 1, 0, c_white, 0.7f);
+  draw_sprite(self, spr_box_level_name, 0, self[x] + 13, top + 3);
+  draw_set_font(global[font]);
+  draw_text(self[x] + 20, top + 10, self[name]);
+}
+
+void RowDrawGuiEnd(Self self) {
+  const Real top = self[y] - view_yview[0] + 10;
+  draw_set_font(global[font]);
+  draw_text(294, top, "Play");
+  draw_text(339, top, "Edit");
+}
+
+} // namespace
+
+const EventTable obj_mainmenu_events = {
+    {ev_create, 0, Create},
+    {ev_alarm, 0, Alarm_Music},
+    {ev_step, ev_step_end, EndStep},
+    {ev_other, ev_user(0), Notified},
+    {ev_other, ev_user(1), RebuildList},
+    {ev_other, ev_user(8), Typed},
+    {ev_draw, ev_draw_normal, Draw},
+    {ev_draw, ev_gui, DrawGui},
+    {ev_draw, ev_gui_end, DrawGuiEnd},
+};
+
+const EventTable obj_mainmenu_level_events = {
+    {ev_create, 0, RowCreate},
+    {ev_destroy, 0, RowDestroy},
+    {ev_other, ev_user(0), RowNotified},
+    {ev_draw, ev_gui, RowDrawGui},
+    {ev_draw, ev_gui_end, RowDrawGuiEnd},
+};
+
+} // namespace vesk

@@ -1,0 +1,68 @@
+// Short effects: puffs that play once, bubbles, blood.
+#include "Files/Path/Function_Path.h"
+#include "game/Game.h"
+
+namespace vesk {
+
+namespace {
+
+void AnimateFast(Self self) { self[image_speed] = 0.3; }
+void AnimateSlowly(Self self) { self[image_speed] = 0.2; }
+void End(Self self) { instance_destroy(self); }
+
+// ---- obj_bubble ----
+
+void BubbleCreate(Self self) {
+  self[image_alpha] = 0.8;
+  path_start(self, pth_bubbles, 0.5, path_action_continue, false);
+}
+
+void BubbleStep(Self self) {
+  if (!place_meeting(self, self[x], self[y], obj_swim)) instance_destroy(self);
+}
+
+// ---- obj_gore and the stain it leaves ----
+
+void GoreCreate(Self self) {
+  self[gravity] = 0.4;
+  self[speed] = 2 + random(2);
+  self[friction] = 0.05;
+  self[direction] = random(180);
+  self[image_angle] = random(360);
+  self[alarm][0] = 6;
+}
+
+void GoreAlarm_Stain(Self self) { make(self[x], self[y], obj_bloodstain); }
+
+void StainCreate(Self self) {
+  self[image_speed] = 0;
+  self[image_index] = irandom(7);
+  self[image_alpha] = 0.2;
+  self[gravity] = 0.05;
+}
+
+} // namespace
+
+const EventTable obj_smoke_events = {{ev_create, 0, AnimateFast}, {ev_other, ev_animation_end, End}};
+const EventTable obj_spinthump_events = {{ev_create, 0, AnimateFast}, {ev_other, ev_animation_end, End}};
+const EventTable obj_statuesmoke_events = {{ev_create, 0, AnimateSlowly}, {ev_other, ev_animation_end, End}};
+const EventTable obj_sparkletrail_events = {{ev_create, 0, AnimateSlowly}, {ev_other, ev_animation_end, End}};
+
+const EventTable obj_bubble_events = {
+    {ev_create, 0, BubbleCreate},
+    {ev_step, ev_step_normal, BubbleStep},
+    {ev_collision, obj_solid, End},
+};
+
+const EventTable obj_gore_events = {
+    {ev_create, 0, GoreCreate},
+    {ev_alarm, 0, GoreAlarm_Stain},
+    {ev_other, ev_outside, End},
+};
+
+const EventTable obj_bloodstain_events = {
+    {ev_create, 0, StainCreate},
+    {ev_other, ev_outside, End},
+};
+
+} // namespace vesk

@@ -1,0 +1,225 @@
+#include "sim/Look.h"
+
+#include "Files/Code/BuiltinVariables.h"
+#include "Files/Code/Slots.h"
+#include "Files/Object/Object.h"
+#include "Files/Room/Room.h"
+#include "Files/Sprite/Sprite.h"
+#include "game/GameTables.h"
+#include "game/Variables.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <map>
+
+namespace vesk {
+
+bool ParseVariable(std::string_view text, VariablePath& path) {
+  const size_t bracket = text.find('[');
+  path.name = std::string(text.substr(0, bracket));
+  path.index = kNoIndex;
+  if (path.name.empty()) return false;
+  if (bracket == std::string_view::npos) return true;
+  if (text.back() != ']') return false;
+  const std::string_view digits = text.substr(bracket + 1, text.size() - bracket - 2);
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), path.index);
+  return error == std::errc() && end == digits.data() + digits.size();
+}
+
+namespace {
+
+int32_t VariableId(const std::string& name) {
+  const int32_t builtin = BuiltinVariables_Find(name);
+  if (builtin >= 0) return builtin;
+  const int32_t slot = Variable_SlotOf(name);
+  return slot >= 0 ? kVariableIdBase + slot : -1;
+}
+
+} // namespace
+
+bool VariableExists(std::string_view name) { return VariableId(std::string(name)) >= 0; }
+
+RValue ReadVariable(CInstance* instance, const VariablePath& path) {
+  RValue value;
+  const int32_t id = VariableId(path.name);
+  if (id < 0) return value;
+  ZqObjectBase* holder = instance ? static_cast<ZqObjectBase*>(instance) : id >= kVariableIdBase ? GlobalObject() : nullptr;
+  if (id >= kVariableIdBase) {
+    const RValue* slot = holder ? holder->FindSlot(id - kVariableIdBase) : nullptr;
+    if (!slot) {
+      value.kind = kUnset;
+    } else if (path.index == kNoIndex) {
+      value = *slot;
+    } else if (const RValue* element = ArrayElementForRead(*slot, path.index)) {
+      value = *element;
+    }
+    return value;
+  }
+  Variable_GetValue(holder, id, path.index, value);
+  return value;
+}
+
+bool WriteVariable(CInstance* instance, const VariablePath& path, const RValue& value) {
+  const int32_t id = VariableId(path.name);
+  if (id < 0) return false;
+  return Variable_SetValue(instance ? static_cast<ZqObjectBase*>(instance) : GlobalObject(), id, path.index, value);
+}
+
+std::string JsonNumber(double value) {
+  if (std::isnan(value)) return "null";
+  char text[64];
+  std::snprintf(text, sizeof text, "%.6f", value);
+  std::string result = text;
+  result.erase(result.find_last_not_of('0') + 1);
+  if (result.back() == '.') result.pop_back();
+  return result == "-0" ? "0" : result;
+}
+
+std::string JsonText(std::string_view text) {
+  std::string result = "\"";
+  for (const char c : text) {
+    if (c == '"' || c == '\\') result += '\\';
+    if (static_cast<unsigned char>(c) < 0x20) {
+      char code[8];
+      std::snprintf(code, sizeof code, "\\u%04x", c);
+      result += code;
+    } else {
+      result += c;
+    }
+  }
+  return result + "\"";
+}
+
+std::string JsonValue(const std::string& name, const RValue& value) {
+  if (value.IsUnset() || value.IsUndefined()) return "null";
+  if (value.IsString()) return JsonText(value.Text());
+  if (value.IsArray()) {
+    std::string list = "[";
+    for (int32_t at = 0; at < ArrayLength1d(value); ++at)
+      list += (at ? "," : "") + JsonValue("", *ArrayElementForRead(value, at));
+    return list + "]";
+  }
+  const double number = ValueAsReal(value);
+  if (name == "object_index") return JsonText(Object_Name(static_cast<int32_t>(number)));
+  if (name == "sprite_index" || name == "mask_index")
+    if (const CSprite* sprite = Sprite_Find(static_cast<int32_t>(number))) return JsonText(sprite->name);
+  return JsonNumber(number);
+}
+
+std::vector<CInstance*> InstancesOf(int32_t object) {
+  std::vector<CInstance*> found;
+  if (const CObjectFb* it = Object_Find(object))
+    for (InstanceList::Node* node = it->instancesRecursive.head; node; node = node->next)
+      if (node->instance->Live()) found.push_back(node->instance);
+  std::sort(found.begin(), found.end(), [](const CInstance* a, const CInstance* b) { return a->id < b->id; });
+  return found;
+}
+
+int32_t CountTiles(double depth) {
+  const CRoom* room = CurrentRoom();
+  if (!room) return 0;
+  return static_cast<int32_t>(std::count_if(room->tiles.begin(), room->tiles.end(),
+                                            [&](const Tile& tile) { return std::fabs(tile.depth - depth) < 1e-5; }));
+}
+
+// ---- checksum ----
+
+namespace {
+
+class Digest {
+public:
+  template <class T>
+  void Add(const T& value) {
+    static_assert(std::is_arithmetic_v<T>);
+    unsigned char bytes[sizeof(T)];
+    std::memcpy(bytes, &value, sizeof(T));
+    for (const unsigned char byte : bytes) Byte(byte);
+  }
+  void Add(std::string_view text) {
+    Add(text.size());
+    for (const char c : text) Byte(static_cast<unsigned char>(c));
+  }
+  void Add(const RValue& value) {
+    Add(value.Kind());
+    if (value.IsString()) {
+      Add(value.Text());
+    } else if (value.IsArray()) {
+      Add(ArrayHeight2d(value));
+      for (int32_t row = 0; row < ArrayHeight2d(value); ++row)
+        for (int32_t column = 0; column < ArrayLength2d(value, row); ++column)
+          Add(*ArrayElementForRead(value, int64_t{row} * kRowStride + column));
+    } else if (value.IsNumber()) {
+      Add(ValueAsReal(value));
+    }
+  }
+  uint64_t Value() const { return m_hash; }
+
+private:
+  void Byte(unsigned char byte) { m_hash = (m_hash ^ byte) * 1099511628211ull; }
+  uint64_t m_hash = 14695981039346656037ull;
+};
+
+void AddSlots(Digest& digest, const ZqObjectBase& holder) {
+  std::map<int32_t, const RValue*> ordered;
+  holder.ForEachSlot([&](int32_t slot, const RValue& value) {
+    if (!value.IsUnset()) ordered.emplace(slot, &value);
+  });
+  for (const auto& [slot, value] : ordered) {
+    digest.Add(slot);
+    digest.Add(*value);
+  }
+}
+
+void AddInstance(Digest& digest, CInstance& it) {
+  digest.Add(it.id);
+  digest.Add(it.objectIndex);
+  for (const bool flag : {it.visible, it.solid, it.persistent, it.marked, it.deactivated}) digest.Add(flag);
+  for (const int32_t number : {it.spriteIndex, it.maskIndex, it.pathIndex}) digest.Add(number);
+  for (const float number :
+       {it.x, it.y, it.xPrevious, it.yPrevious, it.xStart, it.yStart, it.hspeed, it.vspeed, it.direction, it.speed,
+        it.friction, it.gravity, it.gravityDirection, it.imageIndex, it.imageSpeed, it.imageXScale, it.imageYScale,
+        it.imageAngle, it.imageAlpha, it.pathPosition, it.depth})
+    digest.Add(number);
+  digest.Add(it.imageBlend);
+  for (const int32_t steps : it.alarm) digest.Add(steps);
+  AddSlots(digest, it);
+}
+
+void AddRoom(Digest& digest, const CRoom& room) {
+  digest.Add(room.width);
+  digest.Add(room.height);
+  for (const ViewSlot& view : room.views)
+    for (const float number : {view.xview, view.yview, view.wview, view.hview, view.angle}) digest.Add(number);
+  for (const BackgroundSlot& slot : room.backgrounds) {
+    digest.Add(slot.index);
+    digest.Add(slot.x);
+    digest.Add(slot.y);
+  }
+  for (const Tile& tile : room.tiles)
+    for (const double number : {double{tile.x}, double{tile.y}, double(tile.left), double(tile.top), double{tile.depth}})
+      digest.Add(number);
+}
+
+} // namespace
+
+uint64_t WorldChecksum() {
+  Digest digest;
+  std::map<int32_t, CInstance*> ordered;
+  if (const CRoom* room = CurrentRoom()) {
+    digest.Add(Rooms().currentIndex);
+    AddRoom(digest, *room);
+    for (const RoomList* list : {&room->active, &room->inactive})
+      for (CInstance* it = list->head; it; it = it->next) ordered.emplace(it->id, it);
+  }
+  for (const auto& [id, instance] : ordered) AddInstance(digest, *instance);
+  if (GlobalObject()) AddSlots(digest, *GlobalObject());
+  for (const char* name : {"health", "score", "lives"}) digest.Add(ReadVariable(nullptr, {name, kNoIndex}));
+  for (const uint32_t word : vesk::Random().words) digest.Add(word);
+  digest.Add(vesk::Random().index);
+  return digest.Value();
+}
+
+} // namespace vesk

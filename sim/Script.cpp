@@ -1,0 +1,489 @@
+#include "sim/Script.h"
+
+#include "Files/Code/Self.h"
+#include "Files/Object/Function_Instance.h"
+#include "Files/Object/Object.h"
+#include "Files/Room/Room.h"
+#include "game/level/level_build.h"
+#include "game/text.h"
+#include "sim/Expression.h"
+#include "sim/Look.h"
+#include "sim/Picture.h"
+
+#include <charconv>
+#include <cmath>
+#include <istream>
+#include <ostream>
+
+namespace vesk {
+
+// ---- words ----
+
+bool SplitWords(std::string_view line, std::vector<std::string>& words) {
+  words.clear();
+  for (size_t at = 0; at < line.size();) {
+    if (line[at] == ' ' || line[at] == '\t' || line[at] == '\r') {
+      ++at;
+      continue;
+    }
+    std::string word;
+    if (line[at] == '"') { // kept as its first character, so that a quoted text is told from a name
+      word += line[at++];
+      while (at < line.size() && line[at] != '"') {
+        if (line[at] == '\\' && at + 1 < line.size()) ++at;
+        word += line[at++];
+      }
+      if (at >= line.size()) return false;
+      ++at;
+    } else {
+      while (at < line.size() && line[at] != ' ' && line[at] != '\t' && line[at] != '\r') word += line[at++];
+    }
+    words.push_back(std::move(word));
+  }
+  return true;
+}
+
+namespace {
+
+// A word without the mark of its quotes.
+std::string Plain(const std::string& word) { return !word.empty() && word[0] == '"' ? word.substr(1) : word; }
+
+struct NamedKey {
+  std::string_view name;
+  int code;
+};
+constexpr NamedKey kKeys[] = {
+    {"left", 37},  {"up", 38},   {"right", 39},    {"down", 40}, {"enter", 13}, {"escape", 27}, {"space", 32},
+    {"shift", 16}, {"ctrl", 17}, {"alt", 18},      {"backspace", 8}, {"tab", 9},
+};
+
+bool ParseInteger(const std::string& text, int64_t& number) {
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  return error == std::errc() && end == text.data() + text.size();
+}
+bool ParseReal(const std::string& text, double& number) {
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  return error == std::errc() && end == text.data() + text.size();
+}
+
+} // namespace
+
+int KeyCode(std::string_view name) {
+  for (const NamedKey& key : kKeys)
+    if (key.name == name) return key.code;
+  if (name.size() == 1 && name[0] >= 'a' && name[0] <= 'z') return name[0] - 'a' + 'A';
+  if (name.size() == 1 && name[0] >= '0' && name[0] <= '9') return name[0];
+  int64_t number = 0;
+  if (name.size() >= 2 && name[0] == 'f' && ParseInteger(std::string(name.substr(1)), number) && number >= 1 && number <= 12)
+    return static_cast<int>(111 + number);
+  if (name.size() >= 2 && ParseInteger(std::string(name), number) && number >= 1 && number <= 255)
+    return static_cast<int>(number);
+  return -1;
+}
+
+// ---- the interpreter ----
+
+namespace {
+
+using Words = std::vector<std::string>;
+
+class Interpreter {
+public:
+  Interpreter(Simulation& simulation, const ScriptOutput& output) : m_simulation(simulation), m_output(output) {}
+
+  ScriptResult Run(std::istream& script);
+
+private:
+  struct Command {
+    std::string_view name;
+    size_t fewest, most; // words behind the name
+    void (Interpreter::*run)(const Words& words);
+    std::string_view usage;
+  };
+  static const Command kCommands[];
+
+  void Execute(const std::string& line);
+  void Refuse(const std::string& why) {
+    if (m_result != ScriptResult::kAllWell) return;
+    m_result = ScriptResult::kBadScript;
+    m_output.errors << "line " << m_line << ": " << why << "\n";
+  }
+  void Fail(const std::string& why) {
+    if (m_result != ScriptResult::kAllWell) return;
+    m_result = ScriptResult::kExpectationFailed;
+    m_output.errors << "line " << m_line << ": " << why << "\n";
+  }
+  // A start in words: "" is well.
+  void Judge(const std::string& problem) {
+    if (!problem.empty()) Refuse(problem);
+  }
+  // The program runs from its first command on.
+  bool Ready() {
+    if (!m_started) {
+      m_started = true;
+      Judge(m_simulation.Start());
+    }
+    return m_result == ScriptResult::kAllWell;
+  }
+  bool Count(const std::string& word, int64_t& count) {
+    if (ParseInteger(word, count) && count >= 0) return true;
+    Refuse("\"" + word + "\" is not a number of frames");
+    return false;
+  }
+  bool Number(const std::string& word, double& number) {
+    if (ParseReal(word, number)) return true;
+    Refuse("\"" + word + "\" is not a number");
+    return false;
+  }
+  bool Key(const std::string& word, int& key) {
+    key = KeyCode(word);
+    if (key < 0) Refuse("\"" + word + "\" is not a key");
+    return key >= 0;
+  }
+  bool Object(const std::string& word, int32_t& object) {
+    object = Object_FindByName(word);
+    if (object < 0) Refuse("there is no object \"" + word + "\"");
+    return object >= 0;
+  }
+  bool MouseButton(const std::string& word, int& button) {
+    button = word == "left" ? 1 : word == "right" ? 2 : word == "middle" ? 3 : 0;
+    if (button == 0) Refuse("\"" + word + "\" is not a mouse button");
+    return button != 0;
+  }
+
+  void Step(int64_t frames);
+  void PrintWatch();
+  void PrintInstances(int32_t object, const Words& words);
+  void PrintGlobals(const Words& words);
+  std::string FrameField() const { return "{\"frame\":" + std::to_string(m_simulation.Frame()); }
+
+  void Play(const Words& w) { Judge(m_simulation.Play(Plain(w[0]), w.size() > 1 ? Plain(w[1]) : "Main")); }
+  void Room(const Words& w) { Judge(m_simulation.Room(w[0])); }
+  void StepCommand(const Words& w);
+  void Press(const Words& w);
+  void Release(const Words& w);
+  void Tap(const Words& w);
+  void Type(const Words& w);
+  void Mouse(const Words& w);
+  void Button(const Words& w);
+  void Click(const Words& w);
+  void Drag(const Words& w);
+  void Wheel(const Words& w);
+  void Until(const Words& w);
+  void Dump(const Words& w);
+  void Watch(const Words& w);
+  void Unwatch(const Words&) { m_watched.clear(); }
+  void CountCommand(const Words& w);
+  void Tiles(const Words& w);
+  void Checksum(const Words& w);
+  void Draws(const Words& w);
+  void Shot(const Words& w);
+  void Expect(const Words& w);
+  void Create(const Words& w);
+  void Destroy(const Words& w);
+  void Set(const Words& w);
+  void TileCommand(const Words& w);
+
+  Simulation& m_simulation;
+  ScriptOutput m_output;
+  ScriptResult m_result = ScriptResult::kAllWell;
+  int m_line = 0;
+  bool m_started = false;
+  std::vector<Words> m_watched; // object, variables
+};
+
+constexpr size_t kAny = 1000;
+
+const Interpreter::Command Interpreter::kCommands[] = {
+    {"play", 1, 2, &Interpreter::Play, "play FILE [SECTION]"},
+    {"room", 1, 1, &Interpreter::Room, "room NAME"},
+    {"step", 0, 1, &Interpreter::StepCommand, "step [N]"},
+    {"press", 1, kAny, &Interpreter::Press, "press KEY…"},
+    {"release", 1, kAny, &Interpreter::Release, "release KEY…"},
+    {"tap", 1, 2, &Interpreter::Tap, "tap KEY [N]"},
+    {"type", 1, 1, &Interpreter::Type, "type TEXT"},
+    {"mouse", 2, 2, &Interpreter::Mouse, "mouse X Y"},
+    {"button", 2, 2, &Interpreter::Button, "button left|right|middle down|up"},
+    {"click", 2, 3, &Interpreter::Click, "click X Y [left|right|middle]"},
+    {"drag", 4, 5, &Interpreter::Drag, "drag X1 Y1 X2 Y2 [BUTTON]"},
+    {"wheel", 1, 1, &Interpreter::Wheel, "wheel up|down"},
+    {"until", 3, 4, &Interpreter::Until, "until TERM OP TERM [MAX]"},
+    {"dump", 2, kAny, &Interpreter::Dump, "dump OBJECT|global VAR…"},
+    {"watch", 2, kAny, &Interpreter::Watch, "watch OBJECT|global VAR…"},
+    {"unwatch", 0, 0, &Interpreter::Unwatch, "unwatch"},
+    {"count", 1, kAny, &Interpreter::CountCommand, "count OBJECT…"},
+    {"tiles", 1, 1, &Interpreter::Tiles, "tiles DEPTH"},
+    {"checksum", 0, 0, &Interpreter::Checksum, "checksum"},
+    {"draws", 0, 0, &Interpreter::Draws, "draws"},
+    {"shot", 1, 1, &Interpreter::Shot, "shot FILE.png"},
+    {"expect", 3, 3, &Interpreter::Expect, "expect TERM OP TERM"},
+    {"create", 3, 3, &Interpreter::Create, "create OBJECT X Y"},
+    {"destroy", 1, 1, &Interpreter::Destroy, "destroy OBJECT"},
+    {"set", 3, 3, &Interpreter::Set, "set OBJECT|global VAR VALUE"},
+    {"tile", 5, 5, &Interpreter::TileCommand, "tile TX TY X Y DEPTH"},
+};
+
+ScriptResult Interpreter::Run(std::istream& script) {
+  std::string line;
+  while (m_result == ScriptResult::kAllWell && std::getline(script, line)) {
+    ++m_line;
+    Execute(line);
+  }
+  return m_result;
+}
+
+void Interpreter::Execute(const std::string& line) {
+  Words words;
+  if (!SplitWords(line, words)) return Refuse("a double quote is open");
+  if (words.empty() || words[0][0] == '#') return;
+  for (const Command& command : kCommands) {
+    if (command.name != words[0]) continue;
+    words.erase(words.begin());
+    if (words.size() < command.fewest || words.size() > command.most)
+      return Refuse("usage: " + std::string(command.usage));
+    if (Ready()) (this->*command.run)(words);
+    return;
+  }
+  Refuse("unknown command \"" + words[0] + "\"");
+}
+
+// ---- time and input ----
+
+void Interpreter::Step(int64_t frames) {
+  for (; frames > 0 && m_result == ScriptResult::kAllWell; --frames) {
+    m_simulation.Step();
+    PrintWatch();
+    if (const std::string report = m_simulation.FatalReport(); !report.empty()) {
+      m_result = ScriptResult::kFatalError;
+      m_output.errors << "line " << m_line << ": the game reported a fatal error in frame " << m_simulation.Frame()
+                      << "\n" << report << "\n";
+    } else if (!m_simulation.Running()) {
+      if (frames > 1) Refuse("the game has ended in frame " + std::to_string(m_simulation.Frame()));
+      return;
+    }
+  }
+}
+
+void Interpreter::StepCommand(const Words& w) {
+  int64_t frames = 1;
+  if (w.empty() || Count(w[0], frames)) Step(frames);
+}
+
+void Interpreter::Press(const Words& w) {
+  for (const std::string& word : w)
+    if (int key = 0; Key(word, key)) m_simulation.Key(key, true);
+}
+
+void Interpreter::Release(const Words& w) {
+  for (const std::string& word : w)
+    if (int key = 0; Key(word, key)) m_simulation.Key(key, false);
+}
+
+void Interpreter::Tap(const Words& w) {
+  int key = 0;
+  int64_t frames = 1;
+  if (!Key(w[0], key) || (w.size() > 1 && !Count(w[1], frames))) return;
+  m_simulation.Key(key, true);
+  Step(frames);
+  m_simulation.Key(key, false);
+  Step(1);
+}
+
+void Interpreter::Type(const Words& w) {
+  for (const char character : Plain(w[0])) {
+    m_simulation.Type(character);
+    PrintWatch();
+  }
+}
+
+void Interpreter::Mouse(const Words& w) {
+  double viewX = 0, viewY = 0;
+  if (Number(w[0], viewX) && Number(w[1], viewY)) m_simulation.Mouse(viewX, viewY);
+}
+
+void Interpreter::Button(const Words& w) {
+  int button = 0;
+  if (!MouseButton(w[0], button)) return;
+  if (w[1] != "down" && w[1] != "up") return Refuse("a button goes down or up");
+  m_simulation.Button(button, w[1] == "down");
+}
+
+void Interpreter::Click(const Words& w) {
+  int button = 1;
+  Mouse(w);
+  if (w.size() > 2 && !MouseButton(w[2], button)) return;
+  Step(1);
+  m_simulation.Button(button, true);
+  Step(1);
+  m_simulation.Button(button, false);
+  Step(1);
+}
+
+void Interpreter::Drag(const Words& w) {
+  double x1 = 0, y1 = 0, x2 = 0, y2 = 0;
+  int button = 1;
+  if (!Number(w[0], x1) || !Number(w[1], y1) || !Number(w[2], x2) || !Number(w[3], y2)) return;
+  if (w.size() > 4 && !MouseButton(w[4], button)) return;
+  m_simulation.Mouse(x1, y1);
+  Step(1);
+  m_simulation.Button(button, true);
+  Step(1);
+  const int moves = static_cast<int>(std::ceil(std::hypot(x2 - x1, y2 - y1) / 8));
+  for (int move = 1; move <= moves; ++move) {
+    m_simulation.Mouse(x1 + (x2 - x1) * move / moves, y1 + (y2 - y1) * move / moves);
+    Step(1);
+  }
+  m_simulation.Button(button, false);
+  Step(1);
+}
+
+void Interpreter::Wheel(const Words& w) {
+  if (w[0] != "up" && w[0] != "down") return Refuse("the wheel goes up or down");
+  m_simulation.Wheel(w[0] == "up");
+}
+
+void Interpreter::Until(const Words& w) {
+  int64_t most = 600;
+  Expression expression;
+  Judge(ParseExpression({w.begin(), w.begin() + 3}, expression));
+  if (m_result != ScriptResult::kAllWell || (w.size() > 3 && !Count(w[3], most))) return;
+  for (int64_t frame = 0; !Holds(expression); ++frame) {
+    if (frame == most)
+      return Fail("until " + w[0] + " " + w[1] + " " + w[2] + ": still not so after " + std::to_string(most) +
+                  " frames; found " + JsonValue(w[0], Evaluate(expression.left)));
+    Step(1);
+    if (m_result != ScriptResult::kAllWell) return;
+  }
+}
+
+// ---- looking ----
+
+void Interpreter::PrintInstances(int32_t object, const Words& words) {
+  for (CInstance* it : InstancesOf(object)) {
+    m_output.lines << FrameField() << ",\"id\":" << it->id << ",\"object\":" << JsonText(Object_Name(it->objectIndex));
+    for (size_t at = 1; at < words.size(); ++at) {
+      VariablePath path;
+      ParseVariable(words[at], path);
+      m_output.lines << "," << JsonText(words[at]) << ":" << JsonValue(path.name, ReadVariable(it, path));
+    }
+    m_output.lines << "}\n";
+  }
+}
+
+void Interpreter::PrintGlobals(const Words& words) {
+  m_output.lines << FrameField();
+  for (size_t at = 1; at < words.size(); ++at) {
+    VariablePath path;
+    ParseVariable(words[at], path);
+    m_output.lines << "," << JsonText(words[at]) << ":" << JsonValue(path.name, ReadVariable(nullptr, path));
+  }
+  m_output.lines << "}\n";
+}
+
+void Interpreter::Dump(const Words& w) {
+  for (size_t at = 1; at < w.size(); ++at) {
+    VariablePath path;
+    if (!ParseVariable(w[at], path) || !VariableExists(path.name))
+      return Refuse("there is no variable \"" + w[at] + "\"");
+  }
+  int32_t object = -1;
+  if (w[0] == "global") PrintGlobals(w);
+  else if (Object(w[0], object)) PrintInstances(object, w);
+}
+
+void Interpreter::Watch(const Words& w) {
+  int32_t object = -1;
+  if (w[0] != "global" && !Object(w[0], object)) return;
+  m_watched.push_back(w);
+}
+
+void Interpreter::PrintWatch() {
+  for (const Words& words : m_watched) Dump(words);
+}
+
+void Interpreter::CountCommand(const Words& w) {
+  std::string line = FrameField();
+  for (const std::string& word : w) {
+    int32_t object = -1;
+    if (!Object(word, object)) return;
+    line += "," + JsonText(word) + ":" + std::to_string(InstancesOf(object).size());
+  }
+  m_output.lines << line << "}\n";
+}
+
+void Interpreter::Tiles(const Words& w) {
+  double depth = 0;
+  if (Number(w[0], depth))
+    m_output.lines << FrameField() << ",\"depth\":" << JsonNumber(depth) << ",\"tiles\":" << CountTiles(depth) << "}\n";
+}
+
+void Interpreter::Checksum(const Words&) {
+  char digits[17];
+  std::snprintf(digits, sizeof digits, "%016llx", static_cast<unsigned long long>(WorldChecksum()));
+  m_output.lines << FrameField() << ",\"checksum\":\"" << digits << "\"}\n";
+}
+
+void Interpreter::Draws(const Words&) {
+  const DrawCounts counts = LastFrameDraws();
+  m_output.lines << FrameField() << ",\"batches\":" << counts.batches << ",\"quads\":" << counts.quads << "}\n";
+}
+
+void Interpreter::Shot(const Words& w) { Judge(WriteShot(Plain(w[0]))); }
+
+void Interpreter::Expect(const Words& w) {
+  Expression expression;
+  Judge(ParseExpression(w, expression));
+  if (m_result != ScriptResult::kAllWell || Holds(expression)) return;
+  Fail("expect " + w[0] + " " + w[1] + " " + w[2] + ": found " + JsonValue(w[0], Evaluate(expression.left)));
+}
+
+// ---- arranging ----
+
+void Interpreter::Create(const Words& w) {
+  int32_t object = -1;
+  double atX = 0, atY = 0;
+  if (Object(w[0], object) && Number(w[1], atX) && Number(w[2], atY))
+    instance_create(static_cast<float>(atX), static_cast<float>(atY), object);
+}
+
+void Interpreter::Destroy(const Words& w) {
+  int32_t object = -1;
+  if (!Object(w[0], object)) return;
+  for (CInstance* it : InstancesOf(object)) instance_destroy(Self(it));
+}
+
+void Interpreter::Set(const Words& w) {
+  VariablePath path;
+  if (!ParseVariable(w[1], path) || !VariableExists(path.name)) return Refuse("there is no variable \"" + w[1] + "\"");
+  RValue written(Plain(w[2]));
+  if (w[2][0] != '"') {
+    double number = 0;
+    if (!Number(w[2], number)) return;
+    written = RValue(number);
+  }
+  if (w[0] == "global") {
+    if (!WriteVariable(nullptr, path, written)) Refuse("\"" + w[1] + "\" can't be written");
+    return;
+  }
+  int32_t object = -1;
+  if (!Object(w[0], object)) return;
+  for (CInstance* it : InstancesOf(object))
+    if (!WriteVariable(it, path, written)) return Refuse("\"" + w[1] + "\" can't be written");
+}
+
+void Interpreter::TileCommand(const Words& w) {
+  double numbers[5];
+  for (size_t at = 0; at < 5; ++at)
+    if (!Number(w[at], numbers[at])) return;
+  const auto cell = [](double pixels) { return static_cast<int>(std::floor(pixels / kCellSize)); };
+  scr_gen_tile(cell_key(cell(numbers[2]), cell(numbers[3])),
+               cell_key(static_cast<int>(numbers[0]), static_cast<int>(numbers[1])), numbers[4]);
+}
+
+} // namespace
+
+ScriptResult RunScript(Simulation& simulation, std::istream& script, const ScriptOutput& output) {
+  return Interpreter(simulation, output).Run(script);
+}
+
+} // namespace vesk
