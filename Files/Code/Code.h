@@ -21,6 +21,7 @@ public:
   constexpr EventFunction(void (*function)(Self)) : m_self(function) {}
   constexpr EventFunction(void (*function)(Self, Self)) : m_pair(function) {}
   constexpr explicit operator bool() const { return m_self || m_pair; }
+  bool operator==(const EventFunction&) const = default;
   void operator()(CInstance* self, CInstance* other) const;
 
 private:
