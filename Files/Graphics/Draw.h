@@ -47,6 +47,7 @@ struct DrawState {
   uint8_t alphaByte = 255;
   float depth = 0; // z of every vertex
   bool culling = true;
+  bool cornerIds = false; // corners of textured quads carry their number in two colour bits
 };
 DrawState& Drawing();
 
@@ -77,7 +78,8 @@ void draw_set_blend_mode_ext(int32_t source, int32_t destination);
 void draw_set_colour_write_enable(bool red, bool green, bool blue, bool alpha);
 void draw_set_alpha_test(bool on);
 void draw_set_alpha_test_ref_value(int32_t value);
-void draw_enable_drawevent(bool on);
+void draw_enable_drawevent(bool on); // off: frames run, and are neither drawn nor shown
+void shader_enable_corner_id(bool on);
 void texture_set_interpolation(bool on);
 void texture_set_repeat(bool on);
 
@@ -86,8 +88,5 @@ void draw_line(float x1, float y1, float x2, float y2);
 void draw_line_width(float x1, float y1, float x2, float y2, float width);
 void draw_line_colour(float x1, float y1, float x2, float y2, int32_t colour1, int32_t colour2);
 void draw_rectangle(float x1, float y1, float x2, float y2, bool outline);
-
-// The automatic drawing flag of the frame.
-bool AutomaticDraw();
 
 } // namespace vesk

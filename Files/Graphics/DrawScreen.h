@@ -35,6 +35,10 @@ void DrawRoom(const DrawRect& rect); // the room into the current viewport
 // Where the application surface lies in the window, in window pixels: the whole window, or letter-boxed.
 DrawRect GetDisplayRect();
 void ApplyGuiView();
+struct GuiExtent {
+  int32_t width, height;
+};
+GuiExtent GuiSize(); // as set, or that of the application surface, or the window's
 
 int32_t application_surface(); // the id, or kNoSurface
 void application_surface_draw_enable(bool on);

@@ -25,6 +25,7 @@ struct GraphicsState {
   bool needsReset = false;
   bool shown = false;                        // the window was made visible by a first present
   int32_t windowWidth = 0, windowHeight = 0; // client size of this frame, pixels
+  int32_t deviceWidth = 0, deviceHeight = 0; // back buffer at the last reset
   int32_t blankTexture = -1;                 // 1 by 1 white
   uint32_t windowColour = 0;
   int32_t settleCounter = 0;                   // frames until the device follows the window
@@ -58,7 +59,7 @@ void Device_Reset(); // all surfaces are lost; textures stay
 // rounds.
 void Graphics_Splash(const char* file, void (*pump)());
 
-// The last presented or drawn picture of the application surface; empty without one.
+// What the window shows, once its frame was drawn; empty without a device.
 struct Picture {
   int32_t width = 0, height = 0;
   std::vector<uint8_t> pixels; // red, green, blue, alpha

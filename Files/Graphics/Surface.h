@@ -36,7 +36,7 @@ struct SurfaceState {
 SurfaceState& Surfaces();
 void Surface_Reset();
 void Surface_FreeAll();
-void Surface_EmptyDeviceStack();
+void Surface_EmptyTargets(); // back to the back buffer; both stacks emptied
 const SurfaceRecord* Surface_Find(int32_t id);
 bool Surface_Free(int32_t id, bool force);
 bool Surface_Resize(int32_t id, int32_t width, int32_t height); // contents lost

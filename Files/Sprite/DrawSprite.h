@@ -5,6 +5,7 @@
 #include "Files/Sprite/Sprite.h"
 
 #include <cstdint>
+#include <string>
 
 namespace vesk {
 
@@ -28,14 +29,6 @@ void draw_sprite_general(CInstance* self, int32_t sprite, int32_t image, float l
                          int32_t colour1, int32_t colour2, int32_t colour3, int32_t colour4, float alpha);
 void draw_sprite_pos(CInstance* self, int32_t sprite, int32_t image, float x1, float y1, float x2, float y2,
                      float x3, float y3, float x4, float y4, float alpha);
-
-// clang-format off
-inline void draw_sprite(Self self, int32_t sprite, int32_t image, float x, float y) { draw_sprite(self.instance, sprite, image, x, y); }
-inline void draw_sprite_ext(Self self, int32_t sprite, int32_t image, float x, float y, float xscale, float yscale, float rotation, int32_t colour, float alpha) { draw_sprite_ext(self.instance, sprite, image, x, y, xscale, yscale, rotation, colour, alpha); }
-inline void draw_sprite_part_ext(Self self, int32_t sprite, int32_t image, float left, float top, float width, float height, float x, float y, float xscale, float yscale, int32_t colour, float alpha) { draw_sprite_part_ext(self.instance, sprite, image, left, top, width, height, x, y, xscale, yscale, colour, alpha); }
-inline void draw_sprite_part(Self self, int32_t sprite, int32_t image, float left, float top, float width, float height, float x, float y) { draw_sprite_part(self.instance, sprite, image, left, top, width, height, x, y); }
-inline void draw_sprite_stretched(Self self, int32_t sprite, int32_t image, float x, float y, float width, float height) { draw_sprite_stretched(self.instance, sprite, image, x, y, width, height); }
-// clang-format on
 
 bool sprite_exists(int32_t sprite);
 int32_t sprite_get_width(int32_t sprite); // these give -1 for an unknown sprite
