@@ -108,7 +108,7 @@ TEST(StudioSource, MistakesNameFileLineAndCause) {
       {"grid g\nqq\nend\n", "pictures/a.art:2: no key for q"},
       {"sprite spr_a\n  put nothing 0 0\nend\n", "pictures/a.art:2: spr_a: no grid is named nothing"},
       {"part p\n  draw p\nend\nsprite spr_a\n  draw p\nend\n",
-       "pictures/a.art:2: p: parts draw each other without end"},
+       "pictures/a.art:1: p: parts draw each other without end"},
       {"sprite spr_a\n  px red.2 3\nend\n", "pictures/a.art:2: px takes 1 values, not 2"},
       {"sprite spr_a\n  line 0 0 (1 1 red.2\nend\n", "pictures/a.art:2: can't read \"(1\""},
       {"sprite spr_a\n  for i 0 3 0\n  end\nend\n", "pictures/a.art:2: spr_a: a step of 0 never ends"},
