@@ -20,11 +20,26 @@ int main(int argc, char** argv) {
   sheet->add_flag("--placeholders", placeholders, "Show pictures without a source too");
   auto* check = app.add_subcommand("check", "Say what differs from the tables");
   check->add_option("prefix", prefix, "Start of the names");
+  std::vector<int> area;
+  int frame = 0;
+  auto* view = app.add_subcommand("view", "Draw one frame or a part of it, enlarged");
+  view->add_option("name", prefix, "Name of the picture")->required();
+  view->add_option("-o,--output", output, "PNG to write")->capture_default_str();
+  view->add_option("--scale", scale, "Size of a pixel")->capture_default_str();
+  view->add_option("--frame", frame, "Which frame")->capture_default_str();
+  view->add_option("--area", area, "Left, top, width and height in pixels")->expected(4);
   CLI11_PARSE(app, argc, argv);
   try {
     vesk::Studio studio(assets, cache);
     if (*sheet) {
       vesk::WritePng(vesk::MakeSheet(studio, prefix, scale, placeholders), output);
+      return 0;
+    }
+    if (*view) {
+      const auto& frames = studio.Frames(prefix);
+      if (frame < 0 || static_cast<size_t>(frame) >= frames.size())
+        throw std::runtime_error(prefix + " has no frame " + std::to_string(frame));
+      vesk::WritePng(vesk::Enlarge(frames[static_cast<size_t>(frame)], area, scale), output);
       return 0;
     }
     int missing = 0, wrong = 0;

@@ -45,6 +45,27 @@ double Cells(Scope& scope, const double* a) {
   return next - near;
 }
 
+// The row where a sloped ground cell begins (1 to 6: gentle up low and high, gentle down high and low, steep up and
+// down) or ends (7 to 12: ceilings, gentle thick to the right, gentle thick to the left, steep right and left).
+double Surface(int shape, double column) {
+  const double half = std::floor(column / 2);
+  switch (shape) {
+  case 1: return 15 - half;
+  case 2: return 7 - half;
+  case 3: return half;
+  case 4: return 8 + half;
+  case 5: return 15 - column;
+  case 6: return column;
+  case 7: return half;
+  case 8: return 8 + half;
+  case 9: return 15 - half;
+  case 10: return 7 - half;
+  case 11: return column;
+  case 12: return 15 - column;
+  default: return 0;
+  }
+}
+
 constexpr double kBayer[16] = {0, 8, 2, 10, 12, 4, 14, 6, 3, 11, 1, 9, 15, 7, 13, 5};
 
 struct Function {
@@ -95,6 +116,7 @@ const Function kFunctions[] = {
      [](Scope& s, const double* a, size_t) {
        return double(s.palette->Step(static_cast<Colour>(a[0]), static_cast<int>(a[1])));
      }},
+    {"surface", 2, [](Scope&, const double* a, size_t) { return Surface(static_cast<int>(a[0]), std::floor(a[1])); }},
     {"shade_of", 1, [](Scope&, const double* a, size_t) { return Modulo(a[0], kStepsPerRamp); }},
 };
 

@@ -54,6 +54,23 @@ struct Cell {
 
 } // namespace
 
+Picture Enlarge(const Picture& picture, const std::vector<int>& area, int scale) {
+  if (scale < 1 || scale > 16) throw std::runtime_error("the scale is 1 to 16");
+  const bool some = area.size() == 4;
+  const int left = some ? area[0] : 0, top = some ? area[1] : 0;
+  Picture out{(some ? area[2] : picture.width) * scale, (some ? area[3] : picture.height) * scale, {}};
+  if (out.width < 1 || out.height < 1 || out.width > 16384 || out.height > 16384)
+    throw std::runtime_error("the area has no sensible size");
+  for (int y = 0; y < out.height; ++y)
+    for (int x = 0; x < out.width; ++x) {
+      const int px = left + x / scale, py = top + y / scale;
+      const bool inside = px >= 0 && py >= 0 && px < picture.width && py < picture.height;
+      out.rgba.push_back(
+          Over(inside ? picture.rgba[static_cast<size_t>(py * picture.width + px)] : 0, kPaper));
+    }
+  return out;
+}
+
 Picture MakeSheet(Studio& studio, const std::string& prefix, int scale, bool placeholders) {
   if (scale < 1 || scale > 16) throw std::runtime_error("the scale of a sheet is 1 to 16");
   std::vector<Cell> cells;

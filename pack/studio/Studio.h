@@ -68,7 +68,10 @@ private:
 // placeholders.
 Picture MakeSheet(Studio& studio, const std::string& prefix, int scale, bool placeholders = false);
 
-// Writes or reads an 8-bit RGBA PNG. Throws std::runtime_error.
+// A part of a picture (left, top, width, height; empty for all) on grey, every pixel scale times as large.
+Picture Enlarge(const Picture& picture, const std::vector<int>& area, int scale);
+
+// Writes an 8-bit RGBA PNG. Throws std::runtime_error.
 void WritePng(const Picture& picture, const std::filesystem::path& file);
 
 } // namespace vesk
