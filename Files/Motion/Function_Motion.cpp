@@ -181,8 +181,8 @@ void move_random(CInstance* self, float hsnap, float vsnap) {
   if (!self || !room) return;
   const BoundingBox box = self->Bounds();
   const float left = self->x - static_cast<float>(box.left), top = self->y - static_cast<float>(box.top);
-  const float right = static_cast<float>(box.right + 1) - self->x;
-  const float bottom = static_cast<float>(box.bottom + 1) - self->y;
+  const float right = static_cast<float>(box.right) + 1 - self->x;
+  const float bottom = static_cast<float>(box.bottom) + 1 - self->y;
   for (int i = 0; i < kRandomTries; ++i) {
     const float x = Snapped(RandomBetween(left, static_cast<float>(room->width), right), hsnap);
     const float y = Snapped(RandomBetween(top, static_cast<float>(room->height), bottom), vsnap);

@@ -11,6 +11,7 @@ namespace vesk {
 namespace {
 
 constexpr double kPi = 3.1415927410125732; // the float, as all angles here use it
+constexpr int32_t kFarthest = 1 << 29;     // pixels; farther whole numbers are clamped to it
 constexpr float kNoAngle = 0.0001f;        // degrees below which a pixel test takes a shape as upright
 
 struct Point {
@@ -98,9 +99,17 @@ private:
   Turn m_turn;
 };
 
+// The part of a box that pixel tests look at: beyond it no float has a pixel of its own.
+BoundingBox InReach(const BoundingBox& box) {
+  return {std::max(box.left, -kFarthest), std::max(box.top, -kFarthest), std::min(box.right, kFarthest),
+          std::min(box.bottom, kFarthest)};
+}
+
 // Walks the whole pixels that a figure's rectangle shares with the box, column by column.
 template <class Also>
-bool AnyPixelOf(const FigureSampler& sampler, const BoundingBox& box, const BoundingBox& figure, Also also) {
+bool AnyPixelOf(const FigureSampler& sampler, const BoundingBox& whole, const BoundingBox& figure,
+                Also also) {
+  const BoundingBox box = InReach(whole);
   const bool plain = sampler.IsPlain();
   const int32_t right = std::min(figure.right, box.right), bottom = std::min(figure.bottom, box.bottom);
   for (int32_t px = std::max(figure.left, box.left); px <= right; ++px)
@@ -200,7 +209,9 @@ private:
   Turn m_turn;
 };
 
-template <class SetInBoth> bool AnyPixel(const BoundingBox& a, const BoundingBox& b, SetInBoth setInBoth) {
+template <class SetInBoth>
+bool AnyPixel(const BoundingBox& wholeA, const BoundingBox& b, SetInBoth setInBoth) {
+  const BoundingBox a = InReach(wholeA);
   const int32_t right = std::min(a.right, b.right), bottom = std::min(a.bottom, b.bottom);
   for (int32_t px = std::max(a.left, b.left); px <= right; ++px)
     for (int32_t py = std::max(a.top, b.top); py <= bottom; ++py)
@@ -287,7 +298,7 @@ bool LinePixelHit(const FigureSampler& sampler, const BoundingBox& box, Point fr
 } // namespace
 
 int32_t RoundToEven(double value) {
-  constexpr double kLimit = 1073741824.0;
+  constexpr double kLimit = kFarthest;
   if (!(value > -kLimit)) return std::isnan(value) ? 0 : static_cast<int32_t>(-kLimit);
   if (value > kLimit) return static_cast<int32_t>(kLimit);
   return static_cast<int32_t>(std::lrint(value));

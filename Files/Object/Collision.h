@@ -7,7 +7,7 @@
 
 namespace vesk {
 
-// To nearest, ties to even. Beyond 2^30 the result is clamped; not a number gives 0.
+// To nearest, ties to even. Beyond 2^29 the result is clamped; not a number gives 0.
 int32_t RoundToEven(double value);
 
 // Two instances. Boxes must overlap; mere touching is no collision.

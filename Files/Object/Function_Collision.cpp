@@ -22,7 +22,7 @@ int32_t First(const CInstance* self, const Figure& figure, int32_t object, bool 
 }
 
 // How far two spans of whole pixels are apart; 0 when they share one.
-int32_t Gap(int32_t low, int32_t high, int32_t otherLow, int32_t otherHigh) {
+int64_t Gap(int64_t low, int64_t high, int64_t otherLow, int64_t otherHigh) {
   if (otherLow > high) return otherLow - high;
   if (otherHigh < low) return low - otherHigh;
   return 0;
@@ -30,8 +30,8 @@ int32_t Gap(int32_t low, int32_t high, int32_t otherLow, int32_t otherHigh) {
 
 float BoxDistance(CInstance& a, CInstance& b) {
   const BoundingBox &boxA = a.Bounds(), &boxB = b.Bounds();
-  const double dx = Gap(boxA.left, boxA.right, boxB.left, boxB.right);
-  const double dy = Gap(boxA.top, boxA.bottom, boxB.top, boxB.bottom);
+  const double dx = static_cast<double>(Gap(boxA.left, boxA.right, boxB.left, boxB.right));
+  const double dy = static_cast<double>(Gap(boxA.top, boxA.bottom, boxB.top, boxB.bottom));
   return static_cast<float>(std::sqrt(dx * dx + dy * dy));
 }
 
