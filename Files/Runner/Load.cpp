@@ -149,17 +149,7 @@ void LoadBackgrounds() {
   }
 }
 
-void LoadPaths() {
-  for (const auto& record : g_load.records.paths) {
-    if (!record) {
-      Paths().table.emplace_back();
-      continue;
-    }
-    std::vector<PathPoint> points;
-    for (const auto& point : record->points) points.push_back({point.x, point.y, point.speed});
-    Path_Add(record->name, record->kind, record->closed, record->precision, std::move(points));
-  }
-}
+void LoadPaths() { Path_Load(g_load.records.paths); }
 
 void LoadScripts() {
   for (const auto& record : g_load.records.scripts) {

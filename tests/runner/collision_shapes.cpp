@@ -1,6 +1,7 @@
 // The shape tests and the built-ins on them: every edge that decides between a hit and a miss.
 #include "Files/Function/Function.h"
 #include "Files/Object/Function_Collision.h"
+#include "Files/Support/Support_Data_Structures.h"
 #include "tests/runner/collision_world.h"
 
 #include <gtest/gtest.h>
@@ -300,6 +301,36 @@ TEST_F(Collision, EllipsesTouchThroughTheMiddleOrACorner) {
   // So thin that it is a line of pixels: the rectangle decides.
   EXPECT_EQ(collision_ellipse(nullptr, 90, 99, 101, 99.4f, block, true, false), noone);
   EXPECT_EQ(collision_ellipse(nullptr, 90, 100, 101, 100.4f, block, true, false), it.id);
+}
+
+TEST_F(Collision, ListFormsCollectAllInOrderOrNearestFirst) {
+  std::vector<int32_t> row;
+  for (int i = 0; i < 30; ++i) row.push_back(world.Add(block, static_cast<float>(i * 20), 0).id);
+  CInstance& me = world.Add(mover, 52, 8);
+  const int32_t list = Ds().lists.Create(std::make_unique<CDS_List>());
+  const auto taken = [list] {
+    std::vector<int32_t> ids;
+    for (const RValue& value : Ds().lists.Find(list)->values) ids.push_back(ValueAsInt32(value));
+    Ds().lists.Find(list)->values.clear();
+    return ids;
+  };
+  using Ids = std::vector<int32_t>;
+  EXPECT_EQ(collision_rectangle_list(&me, 30, 4, 85, 5, block, false, true, list, false), 4);
+  EXPECT_EQ(taken(), (Ids{row[1], row[2], row[3], row[4]}));
+  EXPECT_EQ(collision_rectangle_list(&me, 30, 4, 85, 5, block, false, true, list, true), 4);
+  EXPECT_EQ(taken(), (Ids{row[3], row[2], row[4], row[1]})); // middle 57.5: 60, 40, 80, 20
+  EXPECT_EQ(collision_rectangle_list(&me, 50, 10, 60, 12, all, false, false, list, false), 3);
+  EXPECT_EQ(taken(), (Ids{row[2], row[3], me.id}));
+  EXPECT_EQ(collision_line_list(&me, 0, 15, 25, 15, block, false, true, list, false), 2);
+  EXPECT_EQ(collision_circle_list(&me, 18, 8, 4, block, false, true, list, false), 2);
+  EXPECT_EQ(collision_ellipse_list(&me, 14, 4, 22, 12, block, false, true, list, false), 2);
+  EXPECT_EQ(taken(), (Ids{row[0], row[1], row[0], row[1], row[0], row[1]}));
+  EXPECT_EQ(collision_point_list(&me, 5, 5, block, false, true, list, false), 1);
+  EXPECT_EQ(instance_position_list(25, 5, block, list, false), 1);
+  EXPECT_EQ(instance_place_list(&me, 50, 8, block, list, false), 2);
+  EXPECT_EQ(taken(), (Ids{row[0], row[1], row[2], row[3]}));
+  EXPECT_EQ(collision_point_list(&me, 5, 5, block, false, true, 77, false), 0); // no such list
+  Ds_Reset();
 }
 
 TEST_F(Collision, NearestAndFurthestGoByPlaceAndAge) {
