@@ -266,6 +266,11 @@ TEST_F(Collision, TurnedBoxesSeparateAlongTheirEdges) {
   EXPECT_TRUE(place_meeting(&me, 104, 104, diamond));
   EXPECT_EQ(collision_line(&me, 106, 109, 109, 106, diamond, false, false), noone);
   EXPECT_EQ(collision_line(&me, 90, 100, 110, 100, diamond, false, false), it.id);
+  // Edge along edge they touch, which separates; the boxes overlap by far.
+  CInstance& twin = world.Add(diamond, 0, 0);
+  twin.SetImageAngle(45);
+  EXPECT_FALSE(place_meeting(&twin, 111, 111, it.id));
+  EXPECT_TRUE(place_meeting(&twin, 110, 111, it.id));
   // Upright, two such boxes that touch are separated, as with plain ones.
   it.SetImageAngle(0);
   EXPECT_FALSE(place_meeting(&me, 108, 100, diamond));
