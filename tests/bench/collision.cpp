@@ -102,7 +102,7 @@ void Frame(benchmark::State& state) {
   }
   state.counters["met"] = benchmark::Counter(static_cast<double>(met), benchmark::Counter::kAvgIterations);
 }
-BENCHMARK(Frame)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->Iterations(60);
+BENCHMARK(Frame)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond)->Iterations(20);
 
 } // namespace
 } // namespace vesk
