@@ -350,6 +350,7 @@ private:
     paint.ramp = ToRamp(run, colour);
     if (const Option* o = Find(s, "mat")) paint.material = o->word;
     paint.flat = Whole(Value(run, s, "flat", -1));
+    if (Value(run, s, "solid", 0) != 0) paint.flat = ToColour(run, colour) % kStepsPerRamp;
     paint.bias = Value(run, s, "bias", 0);
     paint.noise = Value(run, s, "noise", 0);
     paint.seed = Whole(Value(run, s, "seed", 1));

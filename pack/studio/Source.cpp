@@ -63,7 +63,7 @@ constexpr Form kForms[] = {
 constexpr const char* kPasses[] = {"outline",   "rim",  "glint", "bulge", "cylinder",
                                    "despeckle", "wrap", "free",  "flipx", "flipy"};
 constexpr const char* kWords[] = {"fx",    "fy",     "turn",   "dark",     "light",  "line",   "full",
-                                  "under", "inside", "parted", "darkened", "shadow", "narrow", "alpha"};
+                                  "under", "inside", "parted", "darkened", "shadow", "narrow", "alpha", "solid"};
 constexpr const char* kValues[] = {"mat",  "flat",  "bias",   "noise", "seed",  "rot",  "bevel",
                                    "bend", "alpha", "narrow", "dark",  "light", "wide", "scale"};
 

@@ -19,7 +19,7 @@ using namespace studio;
 namespace {
 
 // To be raised whenever the same source would give another picture.
-constexpr const char* kPainterVersion = "1";
+constexpr const char* kPainterVersion = "2";
 constexpr uint32_t kCacheMark = 0x43495056; // VPIC
 
 std::vector<PictureSpec> ReadTable(const std::filesystem::path& file, bool background) {
