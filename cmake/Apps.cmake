@@ -30,7 +30,7 @@ if(TARGET vesk-pack)
 endif()
 
 vesk_app(vesk-editor game)
-vesk_app(vesk-sim game)
+vesk_app(vesk-sim sim)
 vesk_app(vesk-level game)
 foreach(app vesk-editor vesk-sim vesk-level)
   if(TARGET ${app} AND TARGET container_blob)

@@ -17,6 +17,14 @@ function(vesk_floor name folder)
   target_link_libraries(${name} ${scope} ${ARGN})
 endfunction()
 
+# Rules calculate in doubles and hand the results to built-ins that take what the runner stores: no warning there.
+function(vesk_rules name)
+  get_target_property(type ${name} TYPE)
+  if(NOT type STREQUAL "INTERFACE_LIBRARY")
+    target_compile_options(${name} PRIVATE -Wno-conversion -Wno-float-conversion)
+  endif()
+endfunction()
+
 # Links a library into a floor without showing its headers to the floors above.
 function(vesk_uses name)
   get_target_property(type ${name} TYPE)

@@ -28,8 +28,13 @@ template <auto F>
 struct ScriptUnpack;
 
 // A typed script takes its arguments, after a first Self for the caller where it needs one.
+template <class... P>
+inline constexpr bool takesSelf = false;
+template <class First, class... P>
+inline constexpr bool takesSelf<First, P...> = std::is_same_v<First, Self>;
+
 template <class Result, class... P, Result (*F)(P...)>
-struct ScriptUnpack<F> {
+requires(!takesSelf<P...>) struct ScriptUnpack<F> {
   template <size_t... I>
   static Result Call(RValue** args, std::index_sequence<I...>) {
     return F(ScriptArgument<std::remove_cvref_t<P>>(*args[I])...);

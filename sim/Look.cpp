@@ -211,8 +211,8 @@ uint64_t WorldChecksum() {
   if (const CRoom* room = CurrentRoom()) {
     digest.Add(Rooms().currentIndex);
     AddRoom(digest, *room);
-    for (const RoomList* list : {&room->active, &room->inactive})
-      for (CInstance* it = list->head; it; it = it->next) ordered.emplace(it->id, it);
+    for (CInstance* head : {room->active.head, room->inactive.head})
+      for (CInstance* it = head; it; it = it->next) ordered.emplace(it->id, it);
   }
   for (const auto& [id, instance] : ordered) AddInstance(digest, *instance);
   if (GlobalObject()) AddSlots(digest, *GlobalObject());

@@ -14,6 +14,7 @@
 #include <cmath>
 #include <istream>
 #include <ostream>
+#include <sstream>
 
 namespace vesk {
 
@@ -481,6 +482,14 @@ void Interpreter::TileCommand(const Words& w) {
 }
 
 } // namespace
+
+bool AsksForPictures(const std::string& script) {
+  std::istringstream lines(script);
+  std::vector<std::string> words;
+  for (std::string line; std::getline(lines, line);)
+    if (SplitWords(line, words) && !words.empty() && words[0] == "shot") return true;
+  return false;
+}
 
 ScriptResult RunScript(Simulation& simulation, std::istream& script, const ScriptOutput& output) {
   return Interpreter(simulation, output).Run(script);

@@ -23,6 +23,9 @@ bool SplitWords(std::string_view line, std::vector<std::string>& words);
 // A key's code: left, x, 7, f5, or a number of two or more digits; -1 for an unknown name.
 int KeyCode(std::string_view name);
 
+// Whether any command of the script needs the frames drawn.
+bool AsksForPictures(const std::string& script);
+
 // Runs the script to its end or to the first failure.
 ScriptResult RunScript(Simulation& simulation, std::istream& script, const ScriptOutput& output);
 

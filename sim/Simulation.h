@@ -15,6 +15,7 @@ struct SimulationSettings {
   std::string directory; // the game's, where Level/ and Settings.dat stand; empty: a fresh temporary one
   int32_t seed = 1;      // what randomize seeds with
   std::span<const uint8_t> container; // copied, so that each run starts from the same bytes
+  bool pictures = false; // draw every frame, so that its picture can be had; else drawing is only counted
 };
 
 // One at a time: the runner's state is the process's. The destructor ends the game in the ordinary order.
@@ -50,12 +51,12 @@ public:
   std::string FatalReport() const;
 
 private:
-  void SkipLogos();
 
   SimulationSettings m_settings;
   CHandDrivenPlatform m_platform;
   std::vector<uint8_t> m_container;
   std::string m_directory;
+  std::string m_startDirectory; // where relative names of files begin
   bool m_ownsDirectory = false;
   bool m_started = false;
   int64_t m_frame = 0;

@@ -4,6 +4,7 @@
 #include "Files/Code/Value.h"
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -142,5 +143,7 @@ struct RandomState {
   int32_t seed; // that it was last given
 };
 RandomState& Random();
+// What randomize seeds with in place of the clock, for runs that repeat; none by default.
+std::optional<int32_t>& Random_ClockSeed();
 
 } // namespace vesk

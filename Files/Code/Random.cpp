@@ -18,10 +18,13 @@ RandomState MakeState(int32_t seed) {
 }
 
 RandomState g_random = MakeState(0);
+std::optional<int32_t> g_clockSeed;
 
 } // namespace
 
 RandomState& Random() { return g_random; }
+
+std::optional<int32_t>& Random_ClockSeed() { return g_clockSeed; }
 
 void Random_Seed(int32_t seed) { g_random = MakeState(seed); }
 

@@ -46,6 +46,9 @@ template <class V> struct Ref; // what self[variable] yields
 
 namespace detail {
 
+// Numbers as C++ has them; an unscoped enumeration names numbers.
+template <class T>
+inline constexpr bool isPlain = std::is_arithmetic_v<T> || (std::is_enum_v<T> && std::is_convertible_v<T, int>);
 template <class T> inline constexpr bool isGameValue = std::is_same_v<T, Real>;
 template <class V> inline constexpr bool isGameValue<Ref<V>> = true;
 template <> inline constexpr bool isGameValue<RValue> = true;
@@ -56,11 +59,11 @@ concept ValueHolder = requires(const T& holder) {
 }
 || std::is_same_v<T, RValue>;
 template <class A, class B>
-concept GameNumbers = (isGameValue<A> || isGameValue<B>)&&(isGameValue<A> || std::is_arithmetic_v<A>)&&(
-    isGameValue<B> || std::is_arithmetic_v<B>);
+concept GameNumbers = (isGameValue<A> || isGameValue<B>)&&(isGameValue<A> || isPlain<A>)&&(
+    isGameValue<B> || isPlain<B>);
 
 template <class T> constexpr double Number(const T& value) {
-  if constexpr (std::is_arithmetic_v<T>)
+  if constexpr (isPlain<T>)
     return static_cast<double>(value);
   else if constexpr (std::is_same_v<T, Real>)
     return value.v;
@@ -164,7 +167,7 @@ template <> struct Ref<Element> : NumberRef<Ref<Element>> {
   double Get() const { return ValueAsReal(value()); }
   std::string text() const { return ValueAsText(value()); }
   template <class T>
-  requires(std::is_arithmetic_v<T>) const Ref& operator=(T d) const {
+  requires(detail::isPlain<T>) const Ref& operator=(T d) const {
     ArrayWrite(array, index, RValue(static_cast<double>(d)));
     return *this;
   }
@@ -194,7 +197,7 @@ template <> struct Ref<Slot> : NumberRef<Ref<Slot>> {
   Ref<Element> operator[](int64_t column) const { return {v, column}; }
   Ref<Element> at(int64_t row, int64_t column) const { return {v, row * kRowStride + column}; }
   template <class T>
-  requires(std::is_arithmetic_v<T>) const Ref& operator=(T d) const {
+  requires(detail::isPlain<T>) const Ref& operator=(T d) const {
     v.SetReal(static_cast<double>(d));
     return *this;
   }
@@ -248,7 +251,7 @@ struct Ref<BuiltinVariable<GetIt, SetIt>> : NumberRef<Ref<BuiltinVariable<GetIt,
   Ref(const Ref&) = default;
   double Get() const { return GetIt(i); }
   template <class T>
-  requires(std::is_arithmetic_v<T> && !std::is_null_pointer_v<decltype(SetIt)>) const Ref&
+  requires(detail::isPlain<T> && !std::is_null_pointer_v<decltype(SetIt)>) const Ref&
   operator=(T d) const {
     SetIt(i, static_cast<double>(d));
     return *this;
@@ -268,7 +271,7 @@ template <auto GetIt, auto SetIt> struct IndexedElement : NumberRef<IndexedEleme
   IndexedElement(const IndexedElement&) = default;
   double Get() const { return GetIt(i, index); }
   template <class T>
-  requires(std::is_arithmetic_v<T>) const IndexedElement& operator=(T d) const {
+  requires(detail::isPlain<T>) const IndexedElement& operator=(T d) const {
     SetIt(i, index, static_cast<double>(d));
     return *this;
   }
@@ -327,7 +330,7 @@ template <auto GetIt, auto SetIt> struct RunVariable : NumberRef<RunVariable<Get
   constexpr RunVariable(const RunVariable&) = default;
   double Get() const { return GetIt(); }
   template <class T>
-  requires(std::is_arithmetic_v<T> && !std::is_null_pointer_v<decltype(SetIt)>) const RunVariable&
+  requires(detail::isPlain<T> && !std::is_null_pointer_v<decltype(SetIt)>) const RunVariable&
   operator=(T d) const {
     SetIt(static_cast<double>(d));
     return *this;
@@ -345,7 +348,7 @@ template <auto GetIt, auto SetIt> struct RunElement : NumberRef<RunElement<GetIt
   RunElement(const RunElement&) = default;
   double Get() const { return GetIt(index); }
   template <class T>
-  requires(std::is_arithmetic_v<T> && !std::is_null_pointer_v<decltype(SetIt)>) const RunElement&
+  requires(detail::isPlain<T> && !std::is_null_pointer_v<decltype(SetIt)>) const RunElement&
   operator=(T d) const {
     SetIt(index, static_cast<double>(d));
     return *this;

@@ -114,6 +114,10 @@ void random_set_seed(int32_t seed) { Random_Seed(seed); }
 int32_t random_get_seed() { return Random().seed; }
 
 int32_t randomize() {
+  if (const auto fixed = Random_ClockSeed()) {
+    Random_Seed(*fixed);
+    return *fixed;
+  }
   constexpr int64_t kMicroseconds = 1000000;
   const IClock& clock = *Platform_Get().clock;
   const auto now = static_cast<uint64_t>(clock.Microseconds() + clock.CalendarSeconds() * kMicroseconds);

@@ -8,6 +8,7 @@
 #include <chrono>
 #include <fstream>
 #include <iostream>
+#include <sstream>
 
 namespace {
 
@@ -28,23 +29,26 @@ void PrintStatistics(int64_t frames, double seconds) {
 }
 
 int Run(const Options& options) {
-  std::ifstream file;
-  if (options.script != "-") {
-    file.open(options.script);
+  std::stringstream script;
+  if (options.script == "-") {
+    script << std::cin.rdbuf();
+  } else {
+    std::ifstream file(options.script);
     if (!file) {
       std::cerr << "vesk-sim: the script \"" << options.script << "\" can't be read\n";
       return static_cast<int>(ScriptResult::kBadScript);
     }
+    script << file.rdbuf();
   }
   SimulationSettings settings;
   settings.directory = options.directory;
   settings.seed = options.seed;
-  settings.container = EmbeddedContainer();
+  settings.container = {EmbeddedContainer(), EmbeddedContainerSize()};
+  settings.pictures = AsksForPictures(script.str());
   Simulation simulation(settings);
 
   const auto start = std::chrono::steady_clock::now();
-  const ScriptResult result =
-      RunScript(simulation, options.script == "-" ? std::cin : file, {std::cout, std::cerr});
+  const ScriptResult result = RunScript(simulation, script, {std::cout, std::cerr});
   const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
   std::cout.flush();
   if (!options.quiet) PrintStatistics(simulation.Frame(), seconds.count());

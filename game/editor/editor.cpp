@@ -378,7 +378,7 @@ void WaterDrawEnd(Self self) {
     shader_set(sha_water);
     shader_set_uniform_f(self[var::time], self[var::move]);
     draw_enable_alphablend(false);
-    draw_surface_part(application_surface, 0, top, view_wview[0], view_hview[0] - top, 0, top);
+    draw_surface_part(application_surface(), 0, top, view_wview[0], view_hview[0] - top, 0, top);
     draw_enable_alphablend(true);
     shader_reset();
   } else {

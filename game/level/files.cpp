@@ -1,6 +1,6 @@
 #include "game/level/files.h"
 
-#include "Files/Support/Function_External.h"
+#include "Files/Function/Function_External.h"
 #include "game/Game.h"
 
 #include <initializer_list>
@@ -20,9 +20,7 @@ struct Definition {
 };
 
 RValue Call(Slot handle, std::initializer_list<RValue> arguments) {
-  std::vector<RValue> values{global[handle].value()};
-  values.insert(values.end(), arguments);
-  return external_call(values);
+  return external_call(global[handle], arguments);
 }
 
 } // namespace

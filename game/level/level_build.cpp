@@ -61,8 +61,8 @@ void merge_runs(int object, Run run, bool exact) {
   with(object, [&](Self it) {
     if (!instance_exists(it.number()) || (exact && it[object_index] != object)) return;
     for (;;) {
-      const int next = run == Run::kDown ? instance_position(it, it[x], it[bbox_bottom] + 1, object)
-                                         : instance_position(it, it[bbox_right] + 1, it[y], object);
+      const int next = run == Run::kDown ? instance_position(it[x], it[bbox_bottom] + 1, object)
+                                         : instance_position(it[bbox_right] + 1, it[y], object);
       if (next == noone || (exact && !is_exactly(next, object))) break;
       const Self swallowed = first(next);
       if (run == Run::kDown) it[image_yscale] += swallowed[image_yscale];

@@ -1,7 +1,6 @@
 #include "game/level/level_file.h"
 
-#include "Files/Support/Function_Ds.h"
-#include "Files/Support/Function_Json.h"
+#include "Files/Function/Function_Data_Structures.h"
 #include "game/Game.h"
 #include "game/level/files.h"
 #include "game/play/levelmanager.h"

@@ -1,5 +1,6 @@
 // Short effects: puffs that play once, bubbles, blood.
 #include "Files/Path/Function_Path.h"
+#include "Files/Path/Path.h"
 #include "game/Game.h"
 
 namespace vesk {

@@ -1,6 +1,6 @@
 #include "game/play/gamepad.h"
 
-#include "Files/IO/Function_Gamepad.h"
+#include "Files/IO/Gamepad.h"
 #include "game/Game.h"
 
 namespace vesk {

@@ -1,6 +1,6 @@
 #include "game/play/globals.h"
 
-#include "Files/Support/Function_Ds.h"
+#include "Files/Function/Function_Data_Structures.h"
 #include "game/Game.h"
 
 namespace vesk {

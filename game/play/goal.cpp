@@ -41,7 +41,7 @@ void CheckpointMeetsHero(Self self) {
 
 void CheckpointRoomStart(Self self) {
   if (global[checkpoint_section].value().Text() != global[section].value().Text()) return;
-  if (instance_position(self, global[checkpoint_x], global[checkpoint_y], self.number()) != noone)
+  if (instance_position(global[checkpoint_x], global[checkpoint_y], self.number()) != noone)
     self[flag] = spr_flag_tovin;
 }
 

@@ -3,7 +3,7 @@
 #include "game/play/levelmanager.h"
 
 #include "Files/Font/Font.h"
-#include "Files/Support/Function_Ds.h"
+#include "Files/Function/Function_Data_Structures.h"
 #include "game/Game.h"
 #include "game/level/catalogue.h"
 #include "game/level/level_build.h"
@@ -384,7 +384,7 @@ void Alarm_DropBarrier(Self self) { self[barrier] = 0; }
 // ---- HUD ----
 
 void draw_bar(int sprite, double fraction, double left, double top, double opacity) {
-  draw_sprite_part_ext(sprite, 0, 0, 0, kBarWidth * fraction, 7, left, top, 1, 1, c_white, opacity);
+  draw_sprite_part_ext(nullptr, sprite, 0, 0, 0, kBarWidth * fraction, 7, left, top, 1, 1, c_white, opacity);
 }
 
 void draw_ammo(Self self) {

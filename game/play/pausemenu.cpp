@@ -11,7 +11,7 @@ constexpr int kGold = make_colour_rgb(248, 192, 40);
 enum Entry { kContinue, kRestart, kLeave, kEntries };
 
 void Create(Self self) {
-  self[back] = background_create_from_surface(application_surface, 0, 0, 640, 480, false, false);
+  self[back] = background_create_from_surface(application_surface(), 0, 0, 640, 480, false, false);
   instance_deactivate_all(self, true);
   instance_activate_object(obj_persistent);
   audio_play_sound(snd_pause, 0, false);

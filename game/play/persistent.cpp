@@ -1,5 +1,6 @@
 // obj_persistent: the one instance that lives through the whole run. Set-up, settings, fades between rooms, the final
 // picture, Alt commands. The translation of the gamepad stands in gamepad.cpp.
+#include "Files/IO/Gamepad.h"
 #include "game/Game.h"
 #include "game/level/files.h"
 #include "game/play/gamepad.h"
@@ -77,7 +78,6 @@ void GameStart(Self self) {
   }
   read_settings(self);
   self[alarm][5] = 1;
-  if (room != rm_logo) return; // a level was named at the start: no logos
   audio_play_sound(snd_drommelfall, 0, false);
   self[alarm][7] = 1;
   self[alarm][4] = 200;
@@ -145,7 +145,7 @@ void Alarm_SkipLogo(Self self) {
 void take_snapshot(Self self) {
   if (background_exists(self[back])) background_delete(self[back]);
   self[back] =
-      background_create_from_surface(application_surface, 0, 0, view_wview[0], view_hview[0], false, false);
+      background_create_from_surface(application_surface(), 0, 0, view_wview[0], view_hview[0], false, false);
 }
 
 void RoomEnd(Self self) {
@@ -229,7 +229,7 @@ void DrawOverlay(Self) {
 void DrawFinalPicture(Self self) {
   draw_enable_alphablend(false);
   if (self[activeshader] != -1) shader_set(self[activeshader]);
-  draw_surface(application_surface, 0, 0);
+  draw_surface(application_surface(), 0, 0);
   shader_reset();
   draw_enable_alphablend(true);
 }

@@ -1,0 +1,28 @@
+#include "sim/Picture.h"
+
+#include "Files/Graphics/Batch.h"
+#include "Files/Graphics/Graphics.h"
+
+#include <png.h>
+
+#include <cstdio>
+#include <memory>
+
+namespace vesk {
+
+DrawCounts LastFrameDraws() { return {BatchCounters().lastFrameDraws, BatchCounters().lastFrameQuads}; }
+
+std::string WriteShot(const std::string& file) {
+  const Picture picture = Graphics_ReadBackBuffer();
+  if (picture.pixels.empty()) return "no frame has been drawn yet";
+  png_image image{};
+  image.version = PNG_IMAGE_VERSION;
+  image.width = static_cast<png_uint_32>(picture.width);
+  image.height = static_cast<png_uint_32>(picture.height);
+  image.format = PNG_FORMAT_RGBA;
+  if (!png_image_write_to_file(&image, file.c_str(), 0, picture.pixels.data(), 0, nullptr))
+    return "\"" + file + "\" can't be written: " + image.message;
+  return "";
+}
+
+} // namespace vesk

@@ -1,0 +1,136 @@
+#include "sim/Simulation.h"
+
+#include "Files/Base/Error.h"
+#include "Files/Code/BuiltinVariables.h"
+#include "Files/Graphics/Graphics.h"
+#include "Files/Graphics_API/RecordingDevice.h"
+#include "Files/Object/Function_Instance.h"
+#include "Files/Object/Object.h"
+#include "Files/Room/Function_Room.h"
+#include "Files/Room/Room.h"
+#include "Files/Run/Run_Frame.h"
+#include "Files/Runner/Runner.h"
+#include "game/AssetNames.h"
+#include "game/GameTables.h"
+#include "game/ObjectNames.h"
+#include "game/play/start.h"
+#include "sim/Look.h"
+
+#include <cstdlib>
+#include <filesystem>
+
+namespace vesk {
+
+namespace {
+
+constexpr int kMostOpeningFrames = 1200; // of a level, to the first frame in which the hero can move
+constexpr double kViewWidth = 384;
+
+std::string MakeTemporaryDirectory() {
+  std::string name = (std::filesystem::temp_directory_path() / "vesk-sim-XXXXXX").string();
+  if (!mkdtemp(name.data())) return "";
+  std::filesystem::create_directory(std::filesystem::path(name) / "Level");
+  return name;
+}
+
+GameDescriptor& Descriptor() {
+  static GameDescriptor descriptor; // the runner keeps a pointer; one run at a time
+  return descriptor;
+}
+
+} // namespace
+
+Simulation::Simulation(const SimulationSettings& settings)
+    : m_settings(settings), m_container(settings.container.begin(), settings.container.end()),
+      m_directory(settings.directory) {
+  m_ownsDirectory = m_directory.empty();
+  m_directory = m_ownsDirectory ? MakeTemporaryDirectory() : std::filesystem::absolute(m_directory).string();
+  m_startDirectory = std::filesystem::current_path().string();
+}
+
+Simulation::~Simulation() {
+  if (m_started) Runner_Close();
+  Platform_Set(nullptr);
+  Random_ClockSeed().reset();
+  std::error_code ignored;
+  std::filesystem::current_path(m_startDirectory, ignored);
+  if (m_ownsDirectory && !m_directory.empty()) std::filesystem::remove_all(m_directory, ignored);
+}
+
+std::string Simulation::Start() {
+  if (m_directory.empty()) return "no temporary directory can be made";
+  Platform_Set(&m_platform.Interfaces());
+  Random_ClockSeed() = m_settings.seed;
+  Descriptor() = MakeGameDescriptor(m_container.data(), static_cast<uint32_t>(m_container.size()));
+  RunnerSetup setup;
+  setup.descriptor = &Descriptor();
+  setup.commandLine = "-noerrors";
+  setup.directory = m_directory;
+  setup.saveBase = m_directory;
+  setup.makeDevice = [this]() -> std::unique_ptr<IRenderDevice> {
+    if (m_settings.pictures) return RenderDevice_MakeSoftware(384, 216);
+    return std::make_unique<CRecordingDevice>();
+  };
+  Runner_Begin(std::move(setup));
+  m_started = true;
+  if (!Runner_Open()) return "the game can't be started: " + Error().lastReport;
+  return "";
+}
+
+bool Simulation::Running() const { return m_started && Loop().running; }
+
+std::string Simulation::FatalReport() const { return Error().fatalCount > 0 ? Error().lastReport : ""; }
+
+void Simulation::Step(int64_t frames) {
+  for (; frames > 0 && Running(); --frames) {
+    Runner_Pass();
+    ++m_frame;
+  }
+}
+
+void Simulation::Type(char character) {
+  const int key = character >= 'a' && character <= 'z' ? character - 'a' + 'A' : character;
+  m_platform.messages.KeyAlone(key & 0xFF, true);
+  m_platform.messages.Character(static_cast<unsigned char>(character));
+  Step();
+  m_platform.messages.KeyAlone(key & 0xFF, false);
+}
+
+void Simulation::Mouse(double viewX, double viewY) {
+  const double scale = m_platform.window.Size().width / kViewWidth;
+  m_platform.messages.Mouse(static_cast<int32_t>(viewX * scale), static_cast<int32_t>(viewY * scale));
+}
+
+std::string Simulation::Play(const std::string& file, const std::string& section) {
+  const std::filesystem::path fromStart = std::filesystem::path(m_startDirectory) / file;
+  const std::string found = std::filesystem::exists(fromStart) ? fromStart.string() : file;
+  const std::string problem = start_level(found, section);
+  if (!problem.empty()) return "\"" + file + "\": " + problem;
+  for (int frame = 0; frame < kMostOpeningFrames && Running() && FatalReport().empty(); ++frame) {
+    Step();
+    if (Rooms().currentIndex == rm_template && InstancesOf(obj_tovinstart).empty() && !InstancesOf(obj_tovin).empty())
+      return "";
+  }
+  return FatalReport().empty() ? "\"" + file + "\": no hero appears" : FatalReport();
+}
+
+std::string Simulation::Room(const std::string& name) {
+  for (const auto& room : Rooms().templates) {
+    if (!room || room->name != name) continue;
+    skip_logos();
+    room_goto(room->index);
+    Step();
+    // Without the fade that a change of rooms begins with.
+    for (int frame = 0; frame < kMostOpeningFrames && Running(); ++frame) {
+      const auto controller = InstancesOf(obj_persistent);
+      if (controller.empty() || (ValueAsReal(ReadVariable(controller.front(), {"mode", kNoIndex})) == 0 &&
+                                 ValueAsReal(ReadVariable(controller.front(), {"done", kNoIndex})) >= 1))
+        break;
+      Step();
+    }
+    return "";
+  }
+  return "there is no room \"" + name + "\"";
+}
+
+} // namespace vesk
