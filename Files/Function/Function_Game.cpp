@@ -24,9 +24,6 @@ const RValue* WrittenSlot(const ZqObjectBase* holder, std::string_view name) {
 }
 
 constexpr BuiltinRow kBuiltins[] = {
-    Builtin<&show_error>("show_error"),
-    Builtin<&show_message>("show_message"),
-    Builtin<&show_question>("show_question"),
     Builtin<&script_exists>("script_exists"),
     Builtin<&script_get_name>("script_get_name"),
     Builtin<&variable_global_exists>("variable_global_exists"),
@@ -39,16 +36,6 @@ constexpr BuiltinRow kBuiltins[] = {
 };
 
 } // namespace
-
-void show_error(std::string_view text, bool abort) { ReportError(text, abort); }
-
-void show_message(std::string_view text) {
-  Platform_Get().dialogs->ShowMessage(Game().gameDisplayName, std::string(text));
-}
-
-bool show_question(std::string_view text) {
-  return Platform_Get().dialogs->AskYesNo(Game().gameDisplayName, std::string(text));
-}
 
 bool script_exists(int32_t script) { return Script_Find(script) != nullptr; }
 

@@ -1,5 +1,5 @@
 #pragma once
-// Built-ins on scripts, on variables by name, and messages to the player.
+// Built-ins on scripts and on variables by name.
 #include "Files/Code/Self.h"
 
 #include <cstdint>
@@ -7,10 +7,6 @@
 #include <string_view>
 
 namespace vesk {
-
-void show_error(std::string_view text, bool abort); // the error report; with abort the game ends
-void show_message(std::string_view text);           // a box with the game's name as its title
-bool show_question(std::string_view text);
 
 bool script_exists(int32_t script);
 std::string script_get_name(int32_t script); // "<undefined>" for an unknown one
