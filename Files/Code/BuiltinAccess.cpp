@@ -10,6 +10,7 @@
 #include "Files/Run/Run_FrameBody.h"
 #include "Files/Support/Support_Files.h"
 
+#include <cstdio>
 #include <utility>
 
 namespace vesk {
@@ -27,6 +28,20 @@ CBackground* PictureOf(int index) {
 
 GameVariables& Game() { return g_game; }
 void Game_Reset() { g_game = {}; }
+
+void Game_SetIdentity(uint32_t id, const std::array<uint8_t, 16>& guid, std::string_view displayName,
+                      std::string_view projectName) {
+  g_game.gameId = static_cast<int32_t>(id);
+  g_game.gameGuid.clear();
+  char digits[3];
+  for (size_t i = 0; i < guid.size(); ++i) {
+    if (i == 4 || i == 6 || i == 8 || i == 10) g_game.gameGuid += '-';
+    std::snprintf(digits, sizeof digits, "%02x", guid[i]);
+    g_game.gameGuid += digits;
+  }
+  g_game.gameDisplayName = displayName;
+  g_game.gameProjectName = projectName;
+}
 
 namespace builtin {
 

@@ -5,6 +5,7 @@
 #include "Files/Object/Instance.h"
 #include "Files/Room/Room.h"
 
+#include <array>
 #include <cmath>
 #include <cstdint>
 #include <string>
@@ -30,6 +31,9 @@ struct GameVariables {
 };
 GameVariables& Game();
 void Game_Reset();
+// What the container says of the game.
+void Game_SetIdentity(uint32_t id, const std::array<uint8_t, 16>& guid, std::string_view displayName,
+                      std::string_view projectName);
 
 namespace builtin {
 

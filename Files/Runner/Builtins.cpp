@@ -1,12 +1,22 @@
 #include "Files/Runner/Builtins.h"
 
+#include "Files/Function/Function_Array.h"
 #include "Files/Function/Function_Data_Structures.h"
+#include "Files/Function/Function_External.h"
+#include "Files/Function/Function_File.h"
+#include "Files/Function/Function_Game.h"
+#include "Files/Function/Function_Ini.h"
+#include "Files/Function/Function_Math.h"
+#include "Files/Function/Function_String.h"
 #include "Files/Graphics/Registration.h"
 #include "Files/IO/Gamepad.h"
 #include "Files/IO/IO_Functions.h"
 #include "Files/Motion/Function_Motion.h"
 #include "Files/Object/Function_Collision.h"
+#include "Files/Object/Function_Instance.h"
 #include "Files/Path/Function_Path.h"
+#include "Files/Room/Function_Room.h"
+#include "Files/Room/Function_Tile.h"
 #include "Files/Run/Run_Events.h"
 #include "Files/Run/Timing.h"
 #include "Files/Runner/Function_Runner.h"
@@ -18,6 +28,19 @@ namespace {
 void AddGame() {
   Function_AddEvent();
   Function_AddRunner();
+  Function_AddGame();
+}
+
+void AddMath() {
+  Function_AddMath();
+  Function_AddString();
+  Function_AddArray();
+}
+
+void AddFile() {
+  Function_AddFile();
+  Function_AddIni();
+  Function_AddExternal();
 }
 
 void AddGraphic() {
@@ -32,10 +55,14 @@ void AddResource() {
   Function_AddSprite();
   Function_AddBackground();
   Function_AddPath();
+  Function_AddRoom();
+  Function_AddObject();
 }
 
 void AddInteraction() {
   Function_AddInput();
+  Function_AddInstance();
+  Function_AddTile();
   Function_AddMotion();
   Function_AddCollision();
 }
@@ -49,10 +76,10 @@ void AddGamepad() {
 constexpr BuiltinGroup kGroups[] = {
     {"HighScore..", nullptr},
     {"Game..", &AddGame},
-    {"Math..", nullptr},
+    {"Math..", &AddMath},
     {"Graphic..", &AddGraphic},
     {"Action..", nullptr},
-    {"File..", nullptr},
+    {"File..", &AddFile},
     {"Resource..", &AddResource},
     {"Interaction..", &AddInteraction},
     {"3D..", nullptr},

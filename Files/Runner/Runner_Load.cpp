@@ -217,6 +217,7 @@ void Runner_ApplyOptions() {
   RunnerState& runner = Runner();
   runner.gameName = header.name;
   Error().gameName = header.displayName;
+  Game_SetIdentity(header.gameId, header.guid, header.displayName, header.name);
   Error().allFatal = (records.flags & container::kOptionAbortOnError) != 0;
   Files_Locations().saveArea = Runner_SavePrefix();
 
