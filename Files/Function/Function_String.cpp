@@ -14,11 +14,14 @@ namespace {
 constexpr int32_t kWidthLimit = 1 << 20; // of a padded number
 constexpr size_t kRepeatLimit = 1 << 28; // bytes
 
-// Bytes of the character that starts at `at`; a text cut short ends with what is there.
+// Bytes of the character that starts at `at`. Where the text is cut short or isn't UTF-8 the character ends
+// early, so that it never swallows the one behind it.
 size_t CharBytes(std::string_view text, size_t at) {
-  const auto lead = static_cast<unsigned char>(text[at]);
-  const size_t bytes = lead < 0x80 ? 1 : lead & 0x20 ? 3 : 2;
-  return std::min(bytes, text.size() - at);
+  const auto byte = [&](size_t i) { return static_cast<unsigned char>(text[i]); };
+  const size_t wanted = byte(at) < 0x80 ? 1 : byte(at) & 0x20 ? 3 : 2;
+  size_t bytes = 1;
+  while (bytes < wanted && at + bytes < text.size() && (byte(at + bytes) & 0xC0) == 0x80) ++bytes;
+  return bytes;
 }
 
 char16_t Decode(std::string_view bytes) {
