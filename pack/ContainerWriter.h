@@ -14,31 +14,31 @@ namespace vesk::pack {
 // Pictures are cropped and packed onto texture pages by the writer.
 struct Sprite {
   std::string name;
-  std::vector<Picture> frames; // all of one size
+  std::vector<Picture> frames = {}; // all of one size
   int originX = 0, originY = 0;
   int left = 0, top = 0, right = -1, bottom = -1; // box, inclusive pixels; right below left: the full frame
   int bboxMode = 0;
   bool precise = false; // collision by masks instead of the box
   // Masks, one byte a pixel of the full frame, not 0 is solid. Empty: made from the frames' alpha, one for a
   // box sprite and one a frame for a precise one.
-  std::vector<std::vector<uint8_t>> masks;
+  std::vector<std::vector<uint8_t>> masks = {};
   bool transparent = false, smooth = false, preload = false;
   int width = 0, height = 0; // pixels; only asked for when there are no frames
 };
 
 struct Background {
   std::string name;
-  Picture picture;
+  Picture picture = {};
   bool transparent = false, smooth = false, preload = false;
 };
 
 struct Sound {
   std::string name;
-  uint32_t mode = 103;    // 100 streamed, 101 uncompressed, 102 kept compressed, 103 decoded at load
-  std::string type, file; // ".wav", "snd_jump.wav"
-  float gain = 1;         // 0 to 1
-  int audioIndex = -1;    // position of the data among all sounds' data; -1: the next free one
-  std::string data;       // an Ogg Vorbis stream; empty: the sound has no data
+  uint32_t mode = 103; // 100 streamed, 101 uncompressed, 102 kept compressed, 103 decoded at load
+  std::string type = {}, file = {}; // ".wav", "snd_jump.wav"
+  float gain = 1;                   // 0 to 1
+  int audioIndex = -1;              // position of the data among all sounds' data; -1: the next free one
+  std::string data = {};            // an Ogg Vorbis stream; empty: the sound has no data
 };
 
 struct PathPoint {
@@ -48,7 +48,7 @@ struct Path {
   std::string name;
   bool smooth = false, closed = false;
   int precision = 4;
-  std::vector<PathPoint> points;
+  std::vector<PathPoint> points = {};
 };
 
 struct Script {
@@ -58,7 +58,7 @@ struct Script {
 
 struct Shader {
   std::string name;
-  std::string vertex, fragment; // GLSL ES; the desktop GL form is the same text
+  std::string vertex = {}, fragment = {}; // GLSL ES; the desktop GL form is the same text
   std::vector<std::string> attributes = {"in_Position", "in_Colour", "in_TextureCoord"};
 };
 
@@ -72,7 +72,7 @@ struct Object {
   int depth = 0;
   int parent = -100; // object index, -100 none
   bool visible = true, solid = false, persistent = false;
-  std::vector<Event> events;
+  std::vector<Event> events = {};
 };
 
 struct RoomBackground {

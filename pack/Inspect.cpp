@@ -276,15 +276,19 @@ std::vector<uint8_t> ReadContainer(const fs::path& file) {
 
 std::vector<std::string> Inspect(const ContainerView& container, int32_t codeCount) {
   ContainerRecords records;
-  if (LoadError error = Container_ReadRecords(container, codeCount, records)) return {error.text};
+  const LoadError error = Container_ReadRecords(container, codeCount, records);
   std::vector<std::string> findings = records.remarks;
+  if (error) {
+    findings.push_back(error.text);
+    return findings;
+  }
   for (size_t i = 0; i < records.textures.size(); ++i) {
     const auto& texture = records.textures[i];
     if (!texture || std::memcmp(texture->data.data(), "RAW ", 4) == 0) continue;
     try {
       DecodePng(texture->data);
-    } catch (const std::runtime_error& error) {
-      findings.push_back("TXTR record " + std::to_string(i) + ": " + error.what());
+    } catch (const std::runtime_error& why) {
+      findings.push_back("TXTR record " + std::to_string(i) + ": " + why.what());
     }
   }
   for (size_t i = 0; i < records.soundData.size(); ++i)

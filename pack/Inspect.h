@@ -11,8 +11,8 @@ namespace vesk::pack {
 // A whole file; throws std::runtime_error, in words.
 std::vector<uint8_t> ReadContainer(const std::filesystem::path& file);
 
-// All that is wrong: the first error of the records, or else every remark, every texture page that does not
-// decode and every sound that is no Ogg Vorbis stream. Empty for a good container. `codeCount` as in
+// All that is wrong: every remark and the first error of the records, or else every texture page that does
+// not decode and every sound that is no Ogg Vorbis stream. Empty for a good container. `codeCount` as in
 // Container_ReadRecords.
 std::vector<std::string> Inspect(const ContainerView& container, int32_t codeCount);
 

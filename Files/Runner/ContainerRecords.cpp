@@ -259,8 +259,9 @@ LoadError Container_ReadRecords(const ContainerView& view, int32_t codeCount, Co
 
 LoadError Container_Verify(const ContainerView& view, int32_t codeCount) {
   ContainerRecords records;
-  if (LoadError error = Container_ReadRecords(view, codeCount, records)) return error;
-  return records.remarks.empty() ? LoadError{} : LoadError{records.remarks.front()};
+  LoadError error = Container_ReadRecords(view, codeCount, records);
+  // A remark may be what an error follows from.
+  return records.remarks.empty() ? error : LoadError{records.remarks.front()};
 }
 
 } // namespace vesk

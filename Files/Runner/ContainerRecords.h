@@ -237,7 +237,7 @@ bool Container_KnowsChunk(uint32_t tag);
 // unknown, and code indices are not compared with it. The first error ends the reading.
 LoadError Container_ReadRecords(const ContainerView& container, int32_t codeCount, ContainerRecords& records);
 
-// The error of Container_ReadRecords, or the first remark; nothing for a container that is right in all.
+// The first remark, else the error of Container_ReadRecords; nothing for a container that is right in all.
 LoadError Container_Verify(const ContainerView& container, int32_t codeCount);
 
 } // namespace vesk
