@@ -23,6 +23,10 @@ public:
   // Once a frame with the clock's time; devices with a thread of their own ignore it, others make up the time
   // passed.
   virtual void Update(int64_t nowMicroseconds) = 0;
+  // True: Open takes no time, and blocks are asked for only inside Update, on the caller's thread.
+  virtual bool DrivenByClock() const { return false; }
+  // False: what is filled in is thrown away, and need not be worked out.
+  virtual bool Listening() const { return true; }
 };
 
 } // namespace vesk

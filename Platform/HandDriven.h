@@ -149,6 +149,8 @@ public:
   void Close() override { m_fill = nullptr; }
   bool IsOpen() const override { return m_fill != nullptr; }
   void Update(int64_t nowMicroseconds) override;
+  bool DrivenByClock() const override { return true; }
+  bool Listening() const override { return keep; }
 
   bool available = true;
   bool keep = false;                          // collects what was mixed
