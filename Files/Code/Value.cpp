@@ -16,9 +16,9 @@
 
 namespace vesk {
 
-double g_epsilon = 1e-10;
-
 namespace {
+
+constexpr double kStartEpsilon = 1e-10;
 
 constexpr int kNestingLimit = 1000; // of first elements; deeper only when an array holds itself
 
@@ -204,6 +204,13 @@ void Hold(const RValue& value) {
 }
 
 } // namespace
+
+double g_epsilon = kStartEpsilon;
+
+void Value_Reset() {
+  g_epsilon = kStartEpsilon;
+  ArrayRead() = {};
+}
 
 // ---- lifetime ----
 

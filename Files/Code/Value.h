@@ -140,6 +140,7 @@ const char* KindName(uint32_t kind); // "number", "string", …, "unknown"
 int CompareValues(const RValue& a, const RValue& b, double epsilon);
 // The comparison tolerance of the game; math_set_epsilon changes it.
 extern double g_epsilon;
+void Value_Reset(); // the tolerance a game starts with; no failed read
 
 // In-place arithmetic; the result's kind is the left operand's. A bad kind is a fatal error report and
 // changes nothing.

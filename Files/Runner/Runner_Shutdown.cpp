@@ -6,6 +6,7 @@
 #include "Files/Code/BuiltinVariables.h"
 #include "Files/Code/Code.h"
 #include "Files/Code/Slots.h"
+#include "Files/Code/Value.h"
 #include "Files/Font/Font.h"
 #include "Files/Function/Function.h"
 #include "Files/Graphics/Graphics.h"
@@ -53,6 +54,7 @@ constexpr AreaRow kAreas[] = {
     {"rooms", &Room_Reset},
     {"objects", &Object_Reset},
     {"global object", &GlobalObject_Reset},
+    {"values", &Value_Reset},
     {"code", &Code_Reset},
     {"variables", &BuiltinVariables_Reset},
     {"sprites", &Sprite_Reset},
