@@ -109,8 +109,8 @@ TEST_F(Reports, TheBoxOffersIgnoreOnlyWhereTheGameCanGoOn) {
   const std::string& text = hand.dialogs.shown[0].text;
   EXPECT_EQ(text.substr(0, 45), std::string(43, '_') + "\r\n");
   EXPECT_NE(text.find("tab       here\r\nline"), std::string::npos);
-  for (size_t at = 0; at < text.size(); ++at)
-    if (text[at] == '\n') ASSERT_EQ(text[at - 1], '\r');
+  for (size_t at = text.find('\n'); at != std::string::npos; at = text.find('\n', at + 1))
+    ASSERT_EQ(text[at - 1], '\r');
   EXPECT_GE(hand.clock.Slept(), 200000); // the window gets time to draw behind the box
 
   hand.dialogs.errorChoice = ErrorChoice::Abort; // chosen on a harmless one, it ends the game all the same
