@@ -3,9 +3,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <fstream>
 #include <functional>
 #include <gtest/gtest.h>
+#include <map>
 #include <set>
+#include <sstream>
 
 namespace vesk {
 namespace {
@@ -111,6 +114,52 @@ TEST(Pictures, GlyphsFillTheColumnsThatTheFontCountsOn) {
   EXPECT_EQ(width("Return to Main Menu"), 119);
   EXPECT_EQ(width("Ammo: 500/500"), 82);
   EXPECT_EQ(width("Are you sure? All unsaved changes will be lost!"), 278);
+}
+
+// Every cell of the atlas does what its row in the table says.
+TEST(Pictures, AtlasCellsKeepTheirRoles) {
+  const auto& frames = Tree().Frames("bg_tiles");
+  ASSERT_EQ(frames.size(), 1u);
+  const std::map<std::string, Rule> slopes = {
+      {"slope_r_low", [](int c, int r) { return r >= 15 - c / 2; }},
+      {"slope_r_high", [](int c, int r) { return r >= 7 - c / 2; }},
+      {"slope_l_high", [](int c, int r) { return r >= c / 2; }},
+      {"slope_l_low", [](int c, int r) { return r >= 8 + c / 2; }},
+      {"slope_sr", [](int c, int r) { return r >= 15 - c; }},
+      {"slope_sl", [](int c, int r) { return r >= c; }},
+      {"islope_r_thin", [](int c, int r) { return r <= c / 2; }},
+      {"islope_r_thick", [](int c, int r) { return r <= 8 + c / 2; }},
+      {"islope_l_thick", [](int c, int r) { return r <= 15 - c / 2; }},
+      {"islope_l_thin", [](int c, int r) { return r <= 7 - c / 2; }},
+      {"islope_sr", [](int c, int r) { return r <= c; }},
+      {"islope_sl", [](int c, int r) { return r <= 15 - c; }},
+      {"solid", [](int, int) { return true; }},
+      {"fill", [](int, int) { return true; }},
+      {"backdrop", [](int, int) { return true; }},
+  };
+  std::ifstream table("assets/atlas.tsv");
+  std::string line;
+  std::getline(table, line);
+  int cells = 0;
+  while (std::getline(table, line)) {
+    std::istringstream in(line);
+    std::string tx, ty, code, role;
+    std::getline(in, tx, '\t'), std::getline(in, ty, '\t'), std::getline(in, code, '\t'),
+        std::getline(in, role, '\t');
+    const int left = std::stoi(tx) * 16, top = std::stoi(ty) * 16;
+    ++cells;
+    if (const auto rule = slopes.find(role); rule != slopes.end()) {
+      ExpectFilledWhere(frames[0], left, top, 16, 16, rule->second, role + " at " + tx + "," + ty);
+      continue;
+    }
+    int visible = 0, surface = 0;
+    for (int y = 0; y < 16; ++y)
+      for (int x = 0; x < 16; ++x) visible += Opaque(frames[0], left + x, top + y);
+    for (int x = 0; x < 16; ++x) surface += Opaque(frames[0], left + x, top);
+    EXPECT_GT(visible, 0) << role << " at " << tx << "," << ty << " is empty";
+    if (role == "one_way") EXPECT_EQ(surface, 16) << "walking surface at " << tx << "," << ty;
+  }
+  EXPECT_EQ(cells, 1600);
 }
 
 // The step over the wrapped edge may be no larger than the steps inside the picture usually are.
