@@ -205,18 +205,6 @@ void CInstance::ApplyFrictionAndGravity() {
 
 // ---- picture ----
 
-bool CInstance::AdvanceImage() {
-  imageIndex += imageSpeed;
-  const auto frames = static_cast<float>(ImageNumber());
-  if (imageIndex >= frames || (frames == 0 && imageIndex > -1)) // the whole part counts: -0.5 is 0
-    imageIndex -= frames;
-  else if (imageIndex < 0)
-    imageIndex += frames;
-  else
-    return false;
-  return true;
-}
-
 int32_t CInstance::ImageNumber() const {
   const CSprite* sprite = Sprite_Find(spriteIndex);
   return sprite ? sprite->FrameCount() : 0;

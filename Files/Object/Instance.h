@@ -28,11 +28,15 @@ struct BoundingBox {
   int32_t left = 0, top = 0, right = 0, bottom = 0; // inclusive room pixels
 };
 
-// What a copy of an instance has for itself.
-struct InstanceLinks {
-  CInstance* next = nullptr; // links of the room's active or inactive list
-  CInstance* previous = nullptr;
-  InstanceList::Node* nodes = nullptr; // its places in the lists of objects
+// What the loops over all instances follow; stands beside the fields that they read.
+struct InstanceLink {
+  CInstance* next = nullptr; // in the room's active or inactive list
+};
+
+// Its places in lists, which no copy shares.
+struct InstancePlaces {
+  CInstance* previous = nullptr;       // in the room's active or inactive list
+  InstanceList::Node* nodes = nullptr; // in the lists of objects
   uint64_t listOrder = 0;              // grows with each entry into a room list
   float sortDepth = 0;                 // the depth under which it stands in the list
   bool inInactiveList = false;         // of the room's two lists
@@ -89,7 +93,11 @@ struct InstanceState {
   float depth = 0;
 };
 
-class CInstance : public ZqObjectBase, public InstanceLinks, public InstanceState {
+// Aligned so that what every frame reads of an instance lies in two cache lines.
+class alignas(64) CInstance : public ZqObjectBase,
+                              public InstanceLink,
+                              public InstanceState,
+                              public InstancePlaces {
 public:
   // Fields as the object's record gives them; in no list yet. Create has not run.
   CInstance(CObjectFb* object, float x, float y, int32_t id, int32_t slotCount);
@@ -120,7 +128,17 @@ public:
   void VectorToSpeed();
   void ApplyFrictionAndGravity();
   // Advances image_index; true when it wrapped and the animation-end event is due.
-  bool AdvanceImage();
+  bool AdvanceImage() { return AdvanceImage(static_cast<float>(ImageNumber())); }
+  bool AdvanceImage(float frames) {
+    imageIndex += imageSpeed;
+    if (imageIndex >= frames || (frames == 0 && imageIndex > -1)) // the whole part counts: -0.5 is 0
+      imageIndex -= frames;
+    else if (imageIndex < 0)
+      imageIndex += frames;
+    else
+      return false;
+    return true;
+  }
 
   const BoundingBox& Bounds(); // recomputed when dirty
   // Whatever changes position or shape comes through here, so that the collision index hears of it.

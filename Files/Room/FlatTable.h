@@ -1,6 +1,7 @@
 #pragma once
-// A map from whole numbers to small values: open addressing, power-of-two buckets, the key masked. Allocates
-// only when it grows.
+// A map from whole numbers to small values: open addressing in power-of-two buckets. Allocates only when it
+// grows. Keys are scattered: ids come in long rows, and a row that wraps onto another would cost a walk over
+// it.
 #include <cstddef>
 #include <cstdint>
 #include <utility>
@@ -56,8 +57,7 @@ private:
   };
   size_t Mask() const { return m_buckets.size() - 1; }
   size_t Home(Key key) const {
-    const auto wide = static_cast<uint64_t>(key);
-    return static_cast<size_t>(wide ^ (wide >> 32)) & Mask();
+    return static_cast<size_t>(static_cast<uint64_t>(key) * 0x9E3779B97F4A7C15ull >> 32) & Mask();
   }
   size_t Next(size_t at) const { return (at + 1) & Mask(); }
   Value& Place(Key key, Value value) {

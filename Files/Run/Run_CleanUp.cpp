@@ -62,13 +62,13 @@ void ApplyDepths(RunState& run, CRoom& room) {
   run.resortList.clear();
 }
 
-void Note(std::vector<CInstance*>& list, bool InstanceLinks::*isListed, CInstance* instance) {
+void Note(std::vector<CInstance*>& list, bool InstancePlaces::*isListed, CInstance* instance) {
   if (instance->*isListed) return;
   instance->*isListed = true;
   list.push_back(instance);
 }
 
-void Forget(std::vector<CInstance*>& list, bool InstanceLinks::*isListed, CInstance* instance) {
+void Forget(std::vector<CInstance*>& list, bool InstancePlaces::*isListed, CInstance* instance) {
   if (!(instance->*isListed)) return;
   instance->*isListed = false;
   list.erase(std::find(list.begin(), list.end(), instance));
@@ -76,23 +76,23 @@ void Forget(std::vector<CInstance*>& list, bool InstanceLinks::*isListed, CInsta
 
 } // namespace
 
-void NoteResort(CInstance* instance) { Note(Run().resortList, &InstanceLinks::inResortList, instance); }
+void NoteResort(CInstance* instance) { Note(Run().resortList, &InstancePlaces::inResortList, instance); }
 void NoteDeactivation(CInstance* instance) {
-  Note(Run().deactivationList, &InstanceLinks::inDeactivationList, instance);
+  Note(Run().deactivationList, &InstancePlaces::inDeactivationList, instance);
 }
-void NoteChange(CInstance* instance) { Note(Run().changeList, &InstanceLinks::inChangeList, instance); }
+void NoteChange(CInstance* instance) { Note(Run().changeList, &InstancePlaces::inChangeList, instance); }
 
 void MarkInstance(CInstance* instance) {
   instance->marked = true;
-  Note(Run().markedList, &InstanceLinks::inMarkedList, instance);
+  Note(Run().markedList, &InstancePlaces::inMarkedList, instance);
 }
 
 void ForgetPending(CInstance* instance) {
   RunState& run = Run();
-  Forget(run.resortList, &InstanceLinks::inResortList, instance);
-  Forget(run.changeList, &InstanceLinks::inChangeList, instance);
-  Forget(run.deactivationList, &InstanceLinks::inDeactivationList, instance);
-  Forget(run.markedList, &InstanceLinks::inMarkedList, instance);
+  Forget(run.resortList, &InstancePlaces::inResortList, instance);
+  Forget(run.changeList, &InstancePlaces::inChangeList, instance);
+  Forget(run.deactivationList, &InstancePlaces::inDeactivationList, instance);
+  Forget(run.markedList, &InstancePlaces::inMarkedList, instance);
 }
 
 void CleanUpInstances() {

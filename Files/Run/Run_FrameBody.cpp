@@ -31,14 +31,19 @@ void Resize() {
 
 // Remembers where everything stands and turns the pictures on. Destroyed and deactivated ones included.
 void BeginLoop() {
+  const CInstance* alike = nullptr; // the last one whose number of frames was looked up
+  float frames = 0;
   for (CInstance *it = CurrentRoom()->active.head, *next; it; it = next) {
     next = it->next;
-    if (next) __builtin_prefetch(next);
+    Prefetch(next);
     it->xPrevious = it->x;
     it->yPrevious = it->y;
     it->pathPositionPrevious = it->pathPosition;
-    if (it->AdvanceImage() && it->object->handlesAnimationEnd)
-      PerformOwnEvent(it, it, ev_other, ev_animation_end);
+    if (!alike || alike->spriteIndex != it->spriteIndex) frames = static_cast<float>(it->ImageNumber());
+    alike = it;
+    if (!it->AdvanceImage(frames) || !it->object->handlesAnimationEnd) continue;
+    PerformOwnEvent(it, it, ev_other, ev_animation_end);
+    alike = nullptr; // the event may have changed any sprite
   }
 }
 

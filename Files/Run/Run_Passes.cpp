@@ -39,7 +39,7 @@ void MotionPass() {
   const uint64_t limit = BeginPass();
   for (CInstance *it = CurrentRoom()->active.head, *next; it; it = next) {
     next = it->next;
-    if (next) __builtin_prefetch(next);
+    Prefetch(next);
     if (!it->Live() || Rests(*it)) continue;
     it->ApplyFrictionAndGravity();
     if (AdvancePath(*it) && it->creationStamp <= limit) PerformOwnEvent(it, it, ev_other, ev_end_of_path);
