@@ -6,6 +6,7 @@
 #include "Files/Graphics/Graphics.h"
 #include "Files/IO/IO.h"
 #include "Files/Object/Object.h"
+#include "Files/Object/Object.h"
 #include "Files/Room/Room.h"
 #include "Files/Run/Event_Name.h"
 #include "Files/Run/Profiler.h"
@@ -119,6 +120,7 @@ bool PrepareGame() {
     ErrorConsole().Output("%s\n", why.c_str());
     return false;
   }
+  BuildEventLists();
   return true;
 }
 
