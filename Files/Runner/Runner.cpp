@@ -6,7 +6,6 @@
 #include "Files/Graphics/Graphics.h"
 #include "Files/IO/IO.h"
 #include "Files/Object/Object.h"
-#include "Files/Object/Object.h"
 #include "Files/Room/Room.h"
 #include "Files/Run/Event_Name.h"
 #include "Files/Run/Profiler.h"
