@@ -111,8 +111,6 @@ void File_Reset() {
   g_files = FileState();
 }
 
-std::string working_directory() { return Files_Locations().bundle; }
-
 bool file_exists(std::string_view path) {
   const std::string name(path);
   return FileBridge_IsLibrary(name) || !Files_FindForReading(name).empty();

@@ -44,6 +44,4 @@ std::string file_find_first(std::string_view mask, int32_t attributes);
 std::string file_find_next();
 void file_find_close();
 
-std::string working_directory(); // the bundle, with its separator at the end
-
 } // namespace vesk

@@ -14,6 +14,7 @@
 #include "Files/Run/Run_FrameBody.h"
 #include "Files/Run/Run_Game.h"
 #include "Files/Run/Timing.h"
+#include "Files/Sound/Audio_Main.h"
 #include "Platform/Platform.h"
 
 #include <algorithm>
@@ -107,7 +108,7 @@ void Run_Frame() {
   now = Timing_Time();
   state.frameStart = now;
   SampleFps(now);
-  if (FrameBody().services.feedAudio) FrameBody().services.feedAudio();
+  Audio_Update();
   if (!state.debuggerPause) {
     RunBody();
     Run_RoomRequest();

@@ -12,6 +12,7 @@
 #include "Files/Run/Run_FrameBody.h"
 #include "Files/Run/Timing.h"
 #include "Files/Runner/CommandLine.h"
+#include "Files/Sound/Audio_Main.h"
 #include "Platform/Memory.h"
 #include "Platform/Platform.h"
 
@@ -61,6 +62,7 @@ void StartGame() {
 void EndGame() {
   Room_EndGame();
   while (!Surfaces().stack.empty() && surface_reset_target()) {}
+  Audio_StopAll(true);
   Async_DropPending();
 }
 

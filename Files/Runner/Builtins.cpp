@@ -1,6 +1,7 @@
 #include "Files/Runner/Builtins.h"
 
 #include "Files/Function/Function_Array.h"
+#include "Files/Function/Function_Audio.h"
 #include "Files/Function/Function_Data_Structures.h"
 #include "Files/Function/Function_External.h"
 #include "Files/Function/Function_File.h"
@@ -86,7 +87,7 @@ constexpr BuiltinGroup kGroups[] = {
     {"Particle..", nullptr},
     {"Misc..", nullptr},
     {"DS..", &Function_AddDs},
-    {"Sound..", nullptr},
+    {"Sound..", &Function_AddAudio},
     {"Physics..", nullptr},
     {"Gamepad..", &AddGamepad},
     {"Buffers..", nullptr},

@@ -3,6 +3,7 @@
 #include "Files/Base/Console.h"
 #include "Files/Base/Error.h"
 #include "Files/Code/BuiltinVariables.h"
+#include "Files/Function/Function_External.h"
 #include "Files/Graphics/Graphics.h"
 #include "Files/IO/IO.h"
 #include "Files/Object/Object.h"
@@ -20,6 +21,7 @@
 #include "Files/Runner/Runner_Load.h"
 #include "Files/Runner/Runner_Window.h"
 #include "Files/Script/Script.h"
+#include "Files/Sound/Audio_Main.h"
 #include "Platform/Crash.h"
 #include "Platform/Files.h"
 
@@ -132,6 +134,8 @@ bool DoTheWork(const ContainerView& container) {
     ErrorConsole().Output("%s\n", Load().error.c_str());
     return false;
   }
+  Audio_Init(!Options().noAudio && (Load().records.options.flags & container::kOptionNewAudio) != 0);
+  if (Options().noExternalCalls) External_DisableCalls();
   if (!PrepareGame()) return false;
   if (state.setup.beforeFirstRoom) state.setup.beforeFirstRoom();
   Log("Run_Start\n");

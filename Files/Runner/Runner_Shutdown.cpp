@@ -9,6 +9,9 @@
 #include "Files/Code/Value.h"
 #include "Files/Font/Font.h"
 #include "Files/Function/Function.h"
+#include "Files/Function/Function_External.h"
+#include "Files/Function/Function_File.h"
+#include "Files/Function/Function_Ini.h"
 #include "Files/Graphics/Graphics.h"
 #include "Files/Graphics/Shader.h"
 #include "Files/Graphics/Surface.h"
@@ -29,7 +32,9 @@
 #include "Files/Runner/Load.h"
 #include "Files/Runner/Runner.h"
 #include "Files/Script/Script.h"
+#include "Files/Sound/Audio_Main.h"
 #include "Files/Sprite/Sprite.h"
+#include "Files/Support/FileBridge.h"
 #include "Files/Support/Support_Data_Structures.h"
 #include "Files/Support/Support_Files.h"
 #include "Platform/Platform.h"
@@ -49,6 +54,7 @@ constexpr AreaRow kAreas[] = {
     {"event lists", &Run_ResetEvents},
     {"frame body", &Run_ResetFrameBody},
     {"data structures", &Ds_Reset},
+    {"sounds", &Audio_Quit},
     {"built-in functions", &Function_Reset},
     {"collision index", &CollisionIndex_Reset},
     {"rooms", &Room_Reset},
@@ -70,6 +76,10 @@ constexpr AreaRow kAreas[] = {
     {"profiler", &Profiler_Reset},
     {"display", &Graphics_Reset},
     {"container", &Load_Reset},
+    {"text files", &File_Reset},
+    {"INI file", &Ini_Reset},
+    {"external functions", &External_Reset},
+    {"file library", &FileBridge_Reset},
     {"locations", &Files_ResetLocations},
     {"waits", &Timing_Reset},
     {"loop", &Loop_Reset},

@@ -89,7 +89,7 @@ struct Bridge {
 } // namespace
 
 TEST_F(FileSystem, TheLibraryCountsAsPresentAndIsLoadedOnce) {
-  EXPECT_TRUE(file_exists(working_directory() + "\\nsfs.dll"));
+  EXPECT_TRUE(file_exists(Files_Locations().bundle + "\\nsfs.dll"));
   EXPECT_FALSE(file_exists("Level\\nsfs.dll"));
   const Bridge bridge;
   EXPECT_EQ(External_FunctionCount(), 8);
