@@ -157,9 +157,10 @@ TEST(Pictures, AtlasCellsKeepTheirRoles) {
       for (int x = 0; x < 16; ++x) visible += Opaque(frames[0], left + x, top + y);
     for (int x = 0; x < 16; ++x) surface += Opaque(frames[0], left + x, top);
     // A corner of a thing of several cells may be empty.
-    if (line.find("column ") == std::string::npos)
+    if (line.find("column ") == std::string::npos) {
       EXPECT_GT(visible, 0) << role << " at " << tx << "," << ty << " is empty";
-    if (role == "one_way") EXPECT_EQ(surface, 16) << "walking surface at " << tx << "," << ty;
+    }
+    if (role == "one_way") { EXPECT_EQ(surface, 16) << "walking surface at " << tx << "," << ty; }
   }
   EXPECT_EQ(cells, 1600);
 }
