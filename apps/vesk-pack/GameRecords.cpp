@@ -1,62 +1,6 @@
 #include "apps/vesk-pack/GameRecords.h"
 
-#if __has_include("game/GameTables.h")
 #include "game/GameTables.h"
-#else
-// Until the game's tables are there: its objects without their events, no scripts, no code.
-#include "Files/Code/Code.h"
-#include "game/AssetNames.h"
-
-namespace vesk {
-namespace {
-
-enum : int {
-#define OBJECT(symbol, ...) symbol,
-#include "game/Objects.inc"
-#undef OBJECT
-};
-
-struct EventRow {
-  int type, subtype;
-};
-struct ObjectRow {
-  const char* symbol;
-  const char* name;
-  int parent, sprite, mask, depth;
-  bool visible, persistent;
-  std::span<const EventRow> events;
-  int firstCode;
-};
-struct ScriptRow {
-  const char* name;
-  int code;
-};
-
-constexpr int none = -1;
-constexpr ObjectRow kObjects[] = {
-#define OBJECT(symbol, name, parent, sprite, mask, depth, visible, persistent)                               \
-  {                                                                                                          \
-      #symbol,                                                                                               \
-      name,                                                                                                  \
-      (parent) == none ? -100 : (parent),                                                                    \
-      sprite,                                                                                                \
-      mask,                                                                                                  \
-      depth,                                                                                                 \
-      (visible) != 0,                                                                                        \
-      (persistent) != 0,                                                                                     \
-      {},                                                                                                    \
-      0},
-#include "game/Objects.inc"
-#undef OBJECT
-};
-
-std::span<const ObjectRow> GameObjects() { return kObjects; }
-std::span<const ScriptRow> GameScripts() { return {}; }
-std::span<const CodeEntry> GameCodeTable() { return {}; }
-
-} // namespace
-} // namespace vesk
-#endif
 
 namespace vesk {
 
