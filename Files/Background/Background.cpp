@@ -17,7 +17,11 @@ BackgroundState g_state;
 
 BackgroundState& Backgrounds() { return g_state; }
 
-void Background_Reset() { Backgrounds() = {}; }
+void Background_Reset() {
+  for (const auto& background : Backgrounds().table)
+    if (background && background->owned) Texture_Free(background->owned->texture);
+  Backgrounds() = {};
+}
 
 CBackground* Background_Find(int32_t index) {
   const auto& table = Backgrounds().table;

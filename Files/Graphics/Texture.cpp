@@ -3,22 +3,23 @@
 #include "Files/Base/Console.h"
 #include "Files/Graphics/Graphics.h"
 #include "Files/Graphics/PngImage.h"
-#include "Platform/Job.h"
+#include "Platform/Threads.h"
 
 #include <algorithm>
 #include <cstring>
 
 namespace vesk {
 
-// Pixels that the device hasn't got yet. They are written by the job; readers wait for it first.
+// Pixels that the device hasn't got yet. They are written by the thread; readers wait for it first.
 class DecodingImage {
 public:
   explicit DecodingImage(std::vector<uint8_t> pixels) { m_image.pixels = std::move(pixels); }
   DecodingImage(const uint8_t* data, uint32_t size) {
-    m_job = std::make_unique<CJob>([this, data, size] { m_good = Png_Decode(data, size, m_image, m_why); });
+    const auto decode = [this, data, size] { m_good = Png_Decode(data, size, m_image, m_why); };
+    if (!m_thread.Start(decode)) decode();
   }
   const uint8_t* Pixels() { // null: could not be decoded
-    if (m_job) m_job->Wait();
+    m_thread.Join();
     return m_good ? m_image.pixels.data() : nullptr;
   }
   const std::string& Why() const { return m_why; }
@@ -27,7 +28,7 @@ private:
   PngImage m_image;
   bool m_good = true;
   std::string m_why;
-  std::unique_ptr<CJob> m_job; // last: it must end before the rest goes
+  CThread m_thread; // last: it must end before the rest goes
 };
 
 namespace {

@@ -1,0 +1,293 @@
+// Whole pictures: drawn on the CPU and, where there is OpenGL, on it; both against pixels worked out here by
+// hand.
+#include "Files/Font/Font.h"
+#include "Files/Graphics/Draw.h"
+#include "Files/Graphics/DrawScreen.h"
+#include "Files/Graphics/PngImage.h"
+#include "Files/Graphics/Shader.h"
+#include "Files/Graphics/Surface.h"
+#include "Files/Graphics/View.h"
+#include "Files/Sprite/DrawSprite.h"
+#include "Platform/Files.h"
+#include "tests/runner/graphics_Stage.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <functional>
+#include <string>
+
+namespace vesk::test {
+namespace {
+
+constexpr int kWidth = 96, kHeight = 80;
+
+struct Canvas { // what is expected, painted pixel by pixel
+  std::vector<Rgba> pixels = std::vector<Rgba>(kWidth * kHeight, Rgba{0, 0, 0, 255});
+  Rgba& At(int x, int y) { return pixels[static_cast<size_t>(y * kWidth + x)]; }
+  void Fill(int left, int top, int right, int bottom,
+            const std::function<Rgba(int x, int y, Rgba old)>& paint) {
+    for (int y = std::max(top, 0); y < std::min(bottom, kHeight); ++y)
+      for (int x = std::max(left, 0); x < std::min(right, kWidth); ++x)
+        At(x, y) = paint(x - left, y - top, At(x, y));
+  }
+};
+
+uint8_t Round(double value) { return static_cast<uint8_t>(std::clamp(value + 0.5, 0.0, 255.0)); }
+
+Rgba Normal(Rgba source, Rgba old) {
+  Rgba result;
+  for (size_t i = 0; i < 4; ++i)
+    result[i] = Round((source[i] * source[3] + old[i] * (255 - source[3])) / 255.0);
+  return result;
+}
+
+class Pictures : public testing::TestWithParam<bool> {
+protected:
+  void SetUp() override {
+    std::unique_ptr<IRenderDevice> device;
+    if (GetParam()) {
+      m_window = Window_MakeOffscreen();
+      std::string why;
+      if (m_window->Create({.title = "", .size = {kWidth, kHeight}}))
+        device = RenderDevice_MakeOpenGL(*m_window, why);
+      if (!device) GTEST_SKIP() << "no OpenGL here: " << m_window->Failure() << why;
+    } else {
+      device = RenderDevice_MakeSoftware(kWidth, kHeight);
+    }
+    stage = std::make_unique<Stage>(std::move(device), kWidth, kHeight);
+    SetViewport(0, 0, kWidth, kHeight);
+    SetView(0, 0, kWidth, kHeight, 0);
+    draw_clear(c_black);
+  }
+  void TearDown() override {
+    stage.reset();
+    if (m_window) m_window->Destroy();
+  }
+  // Every pixel of the window within `tolerance` of the expected one; alpha is not compared.
+  void Expect(Canvas& canvas, int tolerance) {
+    const Picture picture = Graphics_ReadBackBuffer();
+    ASSERT_EQ(picture.width, kWidth);
+    int wrong = 0;
+    for (int y = 0; y < kHeight && wrong < 5; ++y)
+      for (int x = 0; x < kWidth && wrong < 5; ++x)
+        for (size_t i = 0; i < 3; ++i) {
+          const int got = picture.pixels[static_cast<size_t>(y * kWidth + x) * 4 + i],
+                    wanted = canvas.At(x, y)[i];
+          if (std::abs(got - wanted) <= tolerance) continue;
+          ++wrong;
+          ADD_FAILURE() << "(" << x << ", " << y << ") channel " << i << ": " << got << ", expected "
+                        << wanted;
+          break;
+        }
+  }
+  std::unique_ptr<Stage> stage;
+
+private:
+  std::unique_ptr<IWindow> m_window;
+};
+INSTANTIATE_TEST_SUITE_P(Devices, Pictures, testing::Bool(), [](const auto& test) {
+  return test.param ? std::string("OpenGL") : std::string("Software");
+});
+
+TEST_P(Pictures, OpaqueSpritesMapTexelsToPixels) {
+  const int sprite = stage->Piece(2, 3, 20, 16);
+  draw_sprite(nullptr, sprite, 0, 10, 12);
+  draw_sprite_ext(nullptr, sprite, 0, 90, 40, -1, 1, 0, c_white, 1);
+  draw_sprite_part(nullptr, sprite, 0, 5, 4, 6, 7, 60, 5);
+  draw_sprite_ext(nullptr, sprite, 0, 4, 40, 2, 2, 0, c_white, 1);
+  Canvas canvas;
+  canvas.Fill(10, 12, 30, 28, [](int x, int y, Rgba) { return PagePixel(2 + x, 3 + y); });
+  canvas.Fill(70, 40, 90, 56, [](int x, int y, Rgba) { return PagePixel(2 + 19 - x, 3 + y); });
+  canvas.Fill(60, 5, 66, 12, [](int x, int y, Rgba) { return PagePixel(7 + x, 7 + y); });
+  canvas.Fill(4, 40, 44, 72, [](int x, int y, Rgba) { return PagePixel(2 + x / 2, 3 + y / 2); });
+  Expect(canvas, 0);
+}
+
+TEST_P(Pictures, BlendModes) {
+  const int sprite = stage->Piece(40, 3, 16, 16); // alpha 128
+  draw_set_colour(make_colour_rgb(100, 150, 30));
+  draw_rectangle(0, 0, kWidth - 1, kHeight - 1, false);
+  Canvas canvas;
+  canvas.Fill(0, 0, kWidth, kHeight, [](int, int, Rgba) { return Rgba{100, 150, 30, 255}; });
+  const auto each = [&](int mode, int x, const std::function<double(double s, double a, double d)>& blend) {
+    draw_set_blend_mode(mode);
+    draw_sprite(nullptr, sprite, 0, static_cast<float>(x), 10);
+    canvas.Fill(x, 10, x + 16, 26, [&](int px, int py, Rgba old) {
+      const Rgba source = PagePixel(40 + px, 3 + py);
+      Rgba result = old;
+      for (size_t i = 0; i < 3; ++i)
+        result[i] = Round(255 * blend(source[i] / 255.0, source[3] / 255.0, old[i] / 255.0));
+      return result;
+    });
+  };
+  each(bm_normal, 0, [](double s, double a, double d) { return s * a + d * (1 - a); });
+  each(bm_add, 20, [](double s, double a, double d) { return s * a + d; });
+  each(bm_max, 40, [](double s, double a, double d) { return s * a + d * (1 - s); });
+  each(bm_subtract, 60, [](double s, double, double d) { return d * (1 - s); });
+  draw_set_blend_mode(bm_normal);
+  draw_enable_alphablend(false);
+  draw_sprite(nullptr, sprite, 0, 0, 40);
+  canvas.Fill(0, 40, 16, 56, [](int x, int y, Rgba) { return PagePixel(40 + x, 3 + y); });
+  draw_enable_alphablend(true);
+  draw_set_colour_write_enable(true, false, false, true);
+  draw_set_colour(c_white);
+  draw_rectangle(20, 40, 29, 49, false);
+  draw_set_colour_write_enable(true, true, true, true);
+  canvas.Fill(20, 40, 30, 50, [](int, int, Rgba old) { return Rgba{255, old[1], old[2], 255}; });
+  draw_set_alpha_test(true);
+  draw_set_alpha_test_ref_value(200);
+  draw_sprite(nullptr, sprite, 0, 60, 40); // all of it below
+  draw_set_alpha_test(false);
+  Expect(canvas, 1);
+}
+
+TEST_P(Pictures, ShapesCoverTheirEndPixels) {
+  draw_set_colour(c_white);
+  draw_rectangle(20, 12, 10, 5, false); // corners in any order
+  draw_rectangle(30, 5, 40, 12, true);
+  draw_line(50, 5, 60, 5);
+  draw_point(70, 5);
+  Canvas canvas;
+  const auto white = [](int, int, Rgba) { return Rgba{255, 255, 255, 255}; };
+  canvas.Fill(10, 5, 21, 13, white);
+  canvas.Fill(30, 5, 41, 13, white);
+  canvas.Fill(31, 6, 40, 12, [](int, int, Rgba) { return Rgba{0, 0, 0, 255}; });
+  canvas.Fill(50, 5, 60, 6, white); // a line leaves its last pixel free
+  canvas.Fill(70, 5, 71, 6, white);
+  Expect(canvas, 0);
+}
+
+TEST_P(Pictures, ViewsScaleAndPortsClip) {
+  const int sprite = stage->Piece(0, 0, 32, 32);
+  SetViewport(16, 8, 48, 48);
+  SetView(100, 200, 24, 24, 0);
+  draw_clear(c_red);
+  draw_sprite(nullptr, sprite, 0, 104, 204);
+  Canvas canvas;
+  canvas.Fill(16, 8, 64, 56, [](int x, int y, Rgba) {
+    return x < 8 || y < 8 ? Rgba{255, 0, 0, 255} : PagePixel((x - 8) / 2, (y - 8) / 2);
+  });
+  Expect(canvas, 0);
+}
+
+TEST_P(Pictures, SurfacesStandUprightAndKeepTheirAlpha) {
+  const int sprite = stage->Piece(0, 0, 20, 20), glass = stage->Piece(40, 0, 20, 20);
+  const int surface = surface_create(40, 24);
+  ASSERT_TRUE(surface_set_target(surface));
+  draw_clear_alpha(c_black, 0);
+  draw_sprite(nullptr, sprite, 0, 2, 1);
+  draw_sprite(nullptr, glass, 0, 22, 1);
+  draw_set_colour(c_lime);
+  draw_rectangle(0, 23, 39, 23, false); // the last row
+  surface_reset_target();
+  const std::vector<uint8_t> read = ReadSurfaceRect(surface, 2, 1, 1, 1);
+  ASSERT_EQ(read.size(), 4u);
+  EXPECT_EQ((Rgba{read[0], read[1], read[2], read[3]}), PagePixel(0, 0));
+  const std::vector<uint8_t> thin = ReadSurfaceRect(surface, 30, 10, 1, 1);
+  EXPECT_NEAR(thin[3], 128.0 * 128 / 255, 1); // the alpha is blended as the colours are
+  draw_surface(surface, 10, 30);
+  Canvas canvas;
+  canvas.Fill(12, 31, 32, 51, [](int x, int y, Rgba) { return PagePixel(x, y); });
+  canvas.Fill(32, 31, 50, 51, [](int x, int y, Rgba old) {
+    const Rgba glassy = Normal(PagePixel(40 + x, y), {0, 0, 0, 0});
+    return Normal(glassy, old);
+  });
+  canvas.Fill(10, 53, 50, 54, [](int, int, Rgba) { return Rgba{0, 255, 0, 255}; });
+  Expect(canvas, 1);
+}
+
+TEST_P(Pictures, TurnedSpritesShowTheRightTexels) {
+  const int sprite = stage->Piece(0, 0, 16, 8);
+  draw_sprite_ext(nullptr, sprite, 0, 40, 60, 1, 1, 90, c_white, 1);
+  Canvas canvas; // a quarter turn: x runs upward, y to the right
+  canvas.Fill(40, 44, 48, 60, [](int x, int y, Rgba) { return PagePixel(15 - y, x); });
+  Expect(canvas, 0);
+}
+
+TEST_P(Pictures, TheContainersShaderSourcesDoWhatTheyShould) {
+  if (!shaders_are_supported()) GTEST_SKIP() << "this device runs no shaders";
+  std::string vertex, invert, water, bloom, blur;
+  ASSERT_TRUE(File_ReadAll("assets/shaders/default.vert", vertex));
+  ASSERT_TRUE(File_ReadAll("assets/shaders/sha_invert.frag", invert));
+  ASSERT_TRUE(File_ReadAll("assets/shaders/sha_bloom.frag", bloom));
+  ASSERT_TRUE(File_ReadAll("assets/shaders/sha_blur.frag", blur));
+  ASSERT_TRUE(File_ReadAll("assets/shaders/sha_water.frag", water));
+  const int inverting = Shader_Load("sha_invert", 1, vertex, invert, {}),
+            blooming = Shader_Load("sha_bloom", 1, vertex, bloom, {});
+  const int blurring = Shader_Load("sha_blur", 1, vertex, blur, {}),
+            waving = Shader_Load("sha_water", 1, vertex, water, {});
+  for (const int shader : {inverting, blooming, blurring, waving})
+    EXPECT_TRUE(shader_is_compiled(shader)) << Shaders().table[static_cast<size_t>(shader)]->error;
+  const int sprite = stage->Piece(0, 0, 20, 20);
+  shader_set(inverting);
+  draw_sprite(nullptr, sprite, 0, 5, 5);
+  shader_set(blooming);
+  draw_sprite(nullptr, sprite, 0, 30, 5);
+  shader_set(waving);
+  const int time = shader_get_uniform(waving, "time");
+  ASSERT_GE(time, 0);
+  // A phase of a quarter at v = 0: the cosine shifts by next to nothing over the few rows of the sprite.
+  shader_set_uniform_f(time, 3.14159265f / 2 / 0.08f);
+  draw_sprite(nullptr, stage->Piece(8, 0, 20, 1), 0, 60, 5);
+  shader_reset();
+  draw_sprite(nullptr, sprite, 0, 5, 40);
+  Canvas canvas;
+  canvas.Fill(5, 5, 25, 25, [](int x, int y, Rgba) {
+    const Rgba p = PagePixel(x, y);
+    return Rgba{static_cast<uint8_t>(255 - p[0]), static_cast<uint8_t>(255 - p[1]),
+                static_cast<uint8_t>(255 - p[2]), 255};
+  });
+  canvas.Fill(30, 5, 50, 25, [](int x, int y, Rgba) {
+    const Rgba p = PagePixel(x, y);
+    return Rgba{static_cast<uint8_t>(std::min(255, 2 * p[0])), static_cast<uint8_t>(std::min(255, 2 * p[1])),
+                255, 255};
+  });
+  canvas.Fill(60, 5, 80, 6, [](int x, int y, Rgba) { return PagePixel(8 + x, y); });
+  canvas.Fill(5, 40, 25, 60, [](int x, int y, Rgba) { return PagePixel(x, y); });
+  Expect(canvas, 1);
+
+  // The same in a target, which is drawn upside down inside.
+  const int surface = surface_create(32, 32);
+  surface_set_target(surface);
+  shader_set(inverting);
+  draw_sprite(nullptr, sprite, 0, 0, 0);
+  shader_reset();
+  surface_reset_target();
+  const std::vector<uint8_t> pixel = ReadSurfaceRect(surface, 3, 17, 1, 1);
+  EXPECT_EQ(pixel[1], 255 - PagePixel(3, 17)[1]);
+}
+
+TEST_P(Pictures, TextInTheBuiltInFontReadsAsWritten) {
+  draw_set_colour(c_yellow);
+  draw_text(4, 4, "H!#L");
+  const char* rows[] = {
+      "#...#...#", "#...#...#", "#...#...#", "#####...#", "#...#...#", "#...#....", "#...#...#", ".........",
+      "#........", "#........", "#........", "#........", "#........", "#........", "#####....",
+  };
+  Canvas canvas;
+  for (int y = 0; y < static_cast<int>(std::size(rows)); ++y)
+    for (int x = 0; rows[y][x]; ++x)
+      if (rows[y][x] == '#') canvas.At(4 + x, 4 + y) = {255, 255, 0, 255};
+  Expect(canvas, 0);
+}
+
+TEST(PngImage, RoundTripAndBrokenOnes) {
+  PngImage image{3, 2, {}};
+  for (int i = 0; i < 24; ++i) image.pixels.push_back(static_cast<uint8_t>(i * 10));
+  std::string bytes, why;
+  ASSERT_TRUE(Png_Encode(image, bytes, why));
+  const auto* data = reinterpret_cast<const uint8_t*>(bytes.data());
+  PngImage back;
+  ASSERT_TRUE(Png_Decode(data, static_cast<uint32_t>(bytes.size()), back, why));
+  EXPECT_EQ(back.pixels, image.pixels);
+  for (uint32_t cut = 0; cut + 12 < bytes.size(); ++cut) {
+    PngImage broken;
+    EXPECT_FALSE(Png_Decode(data, cut, broken, why)) << cut;
+    EXPECT_FALSE(why.empty());
+  }
+}
+
+} // namespace
+} // namespace vesk::test
