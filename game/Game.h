@@ -22,6 +22,7 @@
 #include "Files/Object/Function_Instance.h"
 #include "Files/Room/Function_Room.h"
 #include "Files/Room/Function_Tile.h"
+#include "Files/Runner/Function_Runner.h"
 #include "Files/Sound/Function_Audio.h"
 #include "game/AssetNames.h"
 #include "game/EventTable.h"

@@ -67,6 +67,7 @@ std::string Simulation::Start() {
   setup.commandLine = "-noerrors";
   setup.directory = m_directory;
   setup.saveBase = m_directory;
+  setup.quiet = true; // standard output is the script's
   setup.makeDevice = [this]() -> std::unique_ptr<IRenderDevice> {
     if (m_settings.pictures) return RenderDevice_MakeSoftware(384, 216);
     return std::make_unique<CRecordingDevice>();

@@ -59,6 +59,8 @@ void ParseCommandLine() {
   CommandLine& options = Options();
   AnchorNames(options);
   Console_Open(!options.headless, options.output, options.debugOutput);
+  if (state.setup.quiet)
+    Consoles().release = std::make_unique<TConsole>(TConsole::Stream::Nothing, options.output);
   Error().showBox = !options.headless && !options.noErrors;
   Error().restarted = state.launchedByRestart;
   Code().execute = !options.noExecution;
@@ -137,10 +139,10 @@ bool DoTheWork(const ContainerView& container) {
   Audio_Init(!Options().noAudio && (Load().records.options.flags & container::kOptionNewAudio) != 0);
   if (Options().noExternalCalls) External_DisableCalls();
   if (!PrepareGame()) return false;
-  if (state.setup.beforeFirstRoom) state.setup.beforeFirstRoom();
   Log("Run_Start\n");
   state.started = true;
   Run_Start();
+  if (state.setup.afterStart) state.setup.afterStart();
   return true;
 }
 

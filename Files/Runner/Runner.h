@@ -20,8 +20,8 @@ struct RunnerSetup {
   std::string saveBase;                 // folder that holds save areas; empty: the user's data folder
   // Makes the render device; null for OpenGL on the platform's window. May give null: then nothing is drawn.
   std::function<std::unique_ptr<IRenderDevice>()> makeDevice;
-  // Called when the data is loaded and before the first room is entered; null for nothing.
-  std::function<void()> beforeFirstRoom;
+  std::function<void()> afterStart; // called once the first room has begun; null for nothing
+  bool quiet = false;               // the terminal gets errors only
 };
 
 struct RunnerState {
