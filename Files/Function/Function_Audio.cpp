@@ -17,6 +17,7 @@ constexpr float kLowestPitch = 0.0039f;
 constexpr float kHighestPitch = 256.0f;
 constexpr size_t kEmitterGrowth = 8;
 constexpr int32_t kLeastVoices = 2;
+constexpr int32_t kMostVoices = 4096;
 
 bool IsVoice(int32_t target) { return target >= kVoiceRange; }
 
@@ -217,8 +218,8 @@ void audio_sound_set_track_position(int32_t target, double seconds) {
 }
 
 void audio_channel_num(int32_t count) {
-  count = std::clamp(count, kLeastVoices, 4096);
-  Audio_SetVoiceLimit(count + count % 4);
+  // Fewer than the least is the least; the sum with the remainder is an old rounding, kept.
+  Audio_SetVoiceLimit(count < kLeastVoices ? kLeastVoices : std::min(count, kMostVoices) + count % 4);
 }
 
 void audio_master_gain(double gain) { audio_set_master_gain(0, gain); }
