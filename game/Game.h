@@ -23,7 +23,7 @@
 #include "Files/Room/Function_Room.h"
 #include "Files/Room/Function_Tile.h"
 #include "Files/Runner/Function_Runner.h"
-#include "Files/Sound/Function_Audio.h"
+#include "Files/Function/Function_Audio.h"
 #include "game/AssetNames.h"
 #include "game/EventTable.h"
 #include "game/ObjectNames.h"
