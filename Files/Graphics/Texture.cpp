@@ -1,6 +1,7 @@
 #include "Files/Graphics/Texture.h"
 
 #include "Files/Base/Console.h"
+#include "Files/Graphics/Batch.h"
 #include "Files/Graphics/Graphics.h"
 #include "Files/Graphics/PngImage.h"
 #include "Platform/Threads.h"
@@ -184,6 +185,8 @@ int32_t Texture_CreateRenderTarget(int32_t width, int32_t height) {
 void Texture_Free(int32_t id) {
   TextureSlot* slot = Slot(id);
   if (!slot) return;
+  // What was drawn with it before is still to come.
+  if (slot->handle && Batch().batchTexture == slot->handle) FlushBatch();
   if (slot->handle && Graphics().device) Graphics().device->ReleaseTexture(slot->handle);
   std::erase(g_textures.waiting, id);
   *slot = {};

@@ -196,7 +196,10 @@ TEST(BackgroundDraw, MadeFromASurfaceAndDeleted) {
   EXPECT_EQ(empty, made + 1); // the index is given even so
   draw_background(empty, 0, 0);
   EXPECT_TRUE(stage.Draws().empty());
-  EXPECT_TRUE(background_delete(made));
+  draw_background(made, 5, 6);
+  stage.device.Forget();
+  EXPECT_TRUE(background_delete(made)); // what was drawn with it is still drawn
+  EXPECT_EQ(stage.device.Draws().size(), 1u);
   EXPECT_FALSE(background_exists(made));
   EXPECT_TRUE(ReportOf([&] {
                 EXPECT_FALSE(background_delete(made));
