@@ -180,6 +180,12 @@ bool StartTheGame() {
   return DoTheWork(container);
 }
 
+// What is left in the queue, a quit message above all, is not for the next game.
+void DropMessages() {
+  Message message;
+  while (Platform_Get().messages->Next(message)) {}
+}
+
 // A follow-up game becomes the command line of the next pass.
 void ApplyRestart() {
   state.restart = false;
@@ -243,6 +249,7 @@ void Runner_Close() {
   Runner_Shutdown();
   state.container.clear();
   state.debugInformation.clear();
+  DropMessages();
 }
 
 int Runner_Main(RunnerSetup setup) {
