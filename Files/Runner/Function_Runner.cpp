@@ -31,9 +31,6 @@ std::string environment_get_variable(std::string_view name) {
   return value;
 }
 
-void game_end() { Rooms().request = RoomRequestEndGame; }
-void game_restart() { Rooms().request = RoomRequestRestartGame; }
-
 void game_change(std::string_view file, std::string_view exitFile) {
   Runner().nextGame = file;
   Runner().nextExit = exitFile;
@@ -70,8 +67,6 @@ constexpr BuiltinRow kBuiltins[] = {
     Builtin<&parameter_count>("parameter_count"),
     Builtin<&parameter_string>("parameter_string"),
     Builtin<&environment_get_variable>("environment_get_variable"),
-    Builtin<&game_end>("game_end"),
-    Builtin<&game_restart>("game_restart"),
     Builtin<&game_change>("game_change"),
     Builtin<&show_error>("show_error"),
     Builtin<&show_message>("show_message"),

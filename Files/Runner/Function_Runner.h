@@ -9,8 +9,6 @@ namespace vesk {
 int32_t parameter_count();                   // words behind the program
 std::string parameter_string(int32_t index); // 0 is the program; "" outside
 std::string environment_get_variable(std::string_view name);
-void game_end();
-void game_restart();
 // Goes on with another game when this one has ended, and with `exitFile` after that one.
 void game_change(std::string_view file, std::string_view exitFile);
 void show_error(std::string_view text, bool abort); // the error report

@@ -5,11 +5,11 @@
 #include "Files/Graphics_API/RecordingDevice.h"
 #include "Files/IO/IO_Functions.h"
 #include "Files/Object/Object.h"
+#include "Files/Room/Function_Room.h"
 #include "Files/Room/Room.h"
 #include "Files/Run/Run_Frame.h"
 #include "Files/Run/Timing.h"
 #include "Files/Runner/CommandLine.h"
-#include "Files/Runner/Function_Runner.h"
 #include "Files/Runner/Load.h"
 #include "Files/Runner/Runner.h"
 #include "Files/Runner/Runner_Window.h"
@@ -23,7 +23,8 @@
 #include <filesystem>
 
 namespace vesk {
-int32_t display_get_windows_vertex_buffer_method(); // its header and the container writer's both name a Picture
+int32_t
+display_get_windows_vertex_buffer_method(); // its header and the container writer's both name a Picture
 } // namespace vesk
 
 using namespace vesk;
