@@ -10,7 +10,10 @@
 
 namespace vesk {
 
-DrawCounts LastFrameDraws() { return {BatchCounters().lastFrameDraws, BatchCounters().lastFrameQuads}; }
+DrawCounts LastFrameDraws() {
+  const DrawCounters& last = Batch().lastFrame;
+  return {static_cast<int64_t>(last.batches), static_cast<int64_t>(last.quads)};
+}
 
 std::string WriteShot(const std::string& file) {
   const Picture picture = Graphics_ReadBackBuffer();

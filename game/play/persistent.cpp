@@ -1,6 +1,7 @@
 // obj_persistent: the one instance that lives through the whole run. Set-up, settings, fades between rooms, the final
 // picture, Alt commands. The translation of the gamepad stands in gamepad.cpp.
 #include "Files/IO/Gamepad.h"
+#include "Files/Runner/Function_Runner.h"
 #include "game/Game.h"
 #include "game/level/files.h"
 #include "game/play/gamepad.h"
