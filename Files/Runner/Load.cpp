@@ -234,6 +234,7 @@ bool Container_PreScan(const ContainerView& container, int32_t codeCount,
 bool LoadGameData(const ContainerView& container, GameDescriptor& descriptor) {
   DebugConsole().Output("initialise everything!\n");
   ClearTables();
+  Code().table = descriptor.codeTable;
   Variables_Intern(descriptor.variableTable, descriptor.instanceSlotCount);
   GlobalObject_Create(descriptor.globalSlotCount);
   if (!ReadOnce(container, static_cast<int32_t>(descriptor.codeTable.size()))) return false;
