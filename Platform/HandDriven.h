@@ -53,7 +53,7 @@ public:
   void SetTitle(const std::string& title) override { m_settings.title = title; }
   std::string Title() const override { return m_settings.title; }
   void SetSize(Extent size) override { m_settings.size = size; }
-  Extent Size() const override { return m_settings.size; }
+  Extent Size() const override { return fixedSize.width > 0 ? fixedSize : m_settings.size; }
   void SetPosition(int32_t x, int32_t y) override { m_x = x, m_y = y; }
   void Position(int32_t& x, int32_t& y) const override { x = m_x, y = m_y; }
   void Center() override;
@@ -74,10 +74,11 @@ public:
   bool HasContext() const override { return false; }
   void MakeCurrent() override {}
   void Swap() override { ++swaps; }
-  Extent DrawableSize() const override { return m_settings.size; }
+  Extent DrawableSize() const override { return Size(); }
   bool SetSwapInterval(int) override { return false; }
 
   Extent desktop{1920, 1080};
+  Extent fixedSize{}; // above 0: the size that the window has whatever is asked for
   bool focused = true;
   bool captured = false;
   CursorShape cursor = CursorShape::Default;

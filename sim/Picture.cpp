@@ -6,7 +6,7 @@
 #include <png.h>
 
 #include <cstdio>
-#include <memory>
+#include <vector>
 
 namespace vesk {
 
@@ -22,8 +22,12 @@ std::string WriteShot(const std::string& file) {
   image.version = PNG_IMAGE_VERSION;
   image.width = static_cast<png_uint_32>(picture.width);
   image.height = static_cast<png_uint_32>(picture.height);
-  image.format = PNG_FORMAT_RGBA;
-  if (!png_image_write_to_file(&image, file.c_str(), 0, picture.pixels.data(), 0, nullptr))
+  image.format = PNG_FORMAT_RGB; // what the window shows: alpha has done its work
+  std::vector<uint8_t> opaque;
+  for (size_t at = 0; at + 3 < picture.pixels.size(); at += 4)
+    opaque.insert(opaque.end(), picture.pixels.begin() + static_cast<std::ptrdiff_t>(at),
+                  picture.pixels.begin() + static_cast<std::ptrdiff_t>(at) + 3);
+  if (!png_image_write_to_file(&image, file.c_str(), 0, opaque.data(), 0, nullptr))
     return "\"" + file + "\" can't be written: " + image.message;
   return "";
 }

@@ -24,7 +24,7 @@ namespace vesk {
 namespace {
 
 constexpr int kMostOpeningFrames = 1200; // of a level, to the first frame in which the hero can move
-constexpr double kViewWidth = 384;
+constexpr int kViewWidth = 384, kViewHeight = 216; // pixels of every picture
 
 std::string MakeTemporaryDirectory() {
   std::string name = (std::filesystem::temp_directory_path() / "vesk-sim-XXXXXX").string();
@@ -59,6 +59,7 @@ Simulation::~Simulation() {
 
 std::string Simulation::Start() {
   if (m_directory.empty()) return "no temporary directory can be made";
+  m_platform.window.fixedSize = {kViewWidth, kViewHeight};
   Platform_Set(&m_platform.Interfaces());
   Random_ClockSeed() = m_settings.seed;
   Descriptor() = MakeGameDescriptor(m_container.data(), static_cast<uint32_t>(m_container.size()));
@@ -98,8 +99,7 @@ void Simulation::Type(char character) {
 }
 
 void Simulation::Mouse(double viewX, double viewY) {
-  const double scale = m_platform.window.Size().width / kViewWidth;
-  m_platform.messages.Mouse(static_cast<int32_t>(viewX * scale), static_cast<int32_t>(viewY * scale));
+  m_platform.messages.Mouse(static_cast<int32_t>(viewX), static_cast<int32_t>(viewY));
 }
 
 std::string Simulation::Play(const std::string& file, const std::string& section) {

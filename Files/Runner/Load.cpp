@@ -235,6 +235,7 @@ bool LoadGameData(const ContainerView& container, GameDescriptor& descriptor) {
   DebugConsole().Output("initialise everything!\n");
   ClearTables();
   Code().table = descriptor.codeTable;
+  Code().instanceSlotCount = descriptor.instanceSlotCount;
   Variables_Intern(descriptor.variableTable, descriptor.instanceSlotCount);
   GlobalObject_Create(descriptor.globalSlotCount);
   if (!ReadOnce(container, static_cast<int32_t>(descriptor.codeTable.size()))) return false;

@@ -21,6 +21,7 @@ std::string name_of(const std::string& file) {
 void skip_logos() {
   with(obj_persistent, [](Self controller) {
     for (const int logo : {4, 6, 7}) controller[alarm][logo] = -1;
+    controller[activeshader] = sha_bloom; // as the title leaves it
   });
   audio_stop_all();
 }

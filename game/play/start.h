@@ -4,7 +4,8 @@
 
 namespace vesk {
 
-// The logos' alarms and sounds end; the next room is the caller's to ask for.
+// The logos' alarms and sounds end, the final picture takes the shader of the title; the next room is the caller's to
+// ask for.
 void skip_logos();
 // Loads the level file and starts it in a section. "" or, in words, what is wrong with the file; then the game goes
 // to the main menu.
