@@ -11,6 +11,9 @@
 
 namespace vesk {
 
+// A library that exports RegisterCallbacks gets, once, four functions to post asynchronous events with, to be
+// called on the game thread: void post(int map, int subtype), int create_map(), int add_real(int map, const
+// char* key, double), int add_string(int map, const char* key, const char*).
 void Function_AddExternal();
 // Forgets all definitions and unloads the libraries.
 void External_Reset();

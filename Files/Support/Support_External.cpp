@@ -1,7 +1,9 @@
 // Definition and call of external functions.
 #include "Files/Base/Console.h"
 #include "Files/Base/Error.h"
+#include "Files/Function/Function_Data_Structures.h"
 #include "Files/Function/Function_External.h"
+#include "Files/Run/Run_FrameBody.h"
 #include "Files/Support/FileBridge.h"
 #include "Files/Support/Support_Files.h"
 #include "Platform/Files.h"
@@ -76,6 +78,25 @@ std::shared_ptr<LoadedLibrary> Load(const std::string& name) {
   return nullptr;
 }
 
+// ---- what a library may call back ----
+
+void PostEvent(int map, int subtype) { Async_Post(subtype, map); }
+int CreateMap() { return ds_map_create(); }
+int AddReal(int map, const char* key, double value) { return ds_map_add(map, key, value); }
+int AddString(int map, const char* key, const char* value) { return ds_map_add(map, key, value); }
+
+void RegisterCallbacks(const LoadedLibrary& library) {
+  if (library.builtIn) return;
+  if (void* entry = library.handle.Find("RegisterCallbacks"))
+    reinterpret_cast<void (*)(decltype(&PostEvent), decltype(&CreateMap), decltype(&AddReal),
+                              decltype(&AddString))>(entry)(&PostEvent, &CreateMap, &AddReal, &AddString);
+}
+
+bool IsLoaded(const std::shared_ptr<LoadedLibrary>& library) {
+  return std::any_of(g_external.functions.begin(), g_external.functions.end(),
+                     [&](const ExternalFunction& function) { return function.library == library; });
+}
+
 int32_t Define(const std::string& library, const std::string& name, bool stringResult,
                std::vector<bool> stringArguments) {
   const bool anyString =
@@ -105,6 +126,7 @@ int32_t Define(const std::string& library, const std::string& name, bool stringR
   function.name = name;
   function.stringArguments = std::move(stringArguments);
   function.stringResult = stringResult;
+  if (!IsLoaded(function.library)) RegisterCallbacks(*function.library);
   g_external.functions.push_back(std::move(function));
   return static_cast<int32_t>(g_external.functions.size()) - 1;
 }

@@ -3,12 +3,14 @@
 #include "Files/Base/Error.h"
 #include "Files/Code/Code.h"
 #include "Files/Function/Function.h"
+#include "Files/Function/Function_Data_Structures.h"
 #include "Files/Function/Function_External.h"
 #include "Files/Function/Function_File.h"
 #include "Files/Support/FileBridge.h"
 #include "Files/Support/Support_Files.h"
 #include "Platform/Files.h"
 
+#include <cstdlib>
 #include <memory>
 #include <string>
 #include <vector>
@@ -177,6 +179,34 @@ TEST_F(FileSystem, ExternalFunctionsOfTheSystemAreCalled) {
   external_free("LIBM.so.6");
   EXPECT_EQ(Call("external_call", {power, 2, 10}).real, 0);
   EXPECT_EQ(Error().lastReport, "");
+}
+
+TEST_F(FileSystem, ALibraryBesideTheGameIsCalledWithEveryShape) {
+  Put("bundle/shapes.c", R"(
+    #include <stdio.h>
+    static int (*create)(void);
+    static int (*add)(int, const char*, double);
+    void RegisterCallbacks(void (*post)(int, int), int (*make)(void), int (*real)(int, const char*, double),
+                           int (*text)(int, const char*, const char*)) { create = make; add = real; }
+    double six(double a, double b, double c, double d, double e, double f) { return a + 10*b + 100*c + 1e3*d + 1e4*e + 1e5*f; }
+    const char* mixed(const char* a, double b, const char* c, double d) {
+      static char out[64]; snprintf(out, sizeof out, "%s %g %s %g", a, b, c, d); return out; }
+    double map_of(double value) { int map = create(); add(map, "value", value); return map; }
+  )");
+  const std::string library = m_folder + "bundle/shapes.so";
+  if (std::system(("cc -shared -fPIC -o " + library + " " + m_folder + "bundle/shapes.c").c_str()) != 0)
+    GTEST_SKIP() << "no C compiler";
+  Directory_SetCurrent(Directory_Temporary());
+  const RValue six = Call("external_define", {"shapes.so", "six", 0, 0, 6, 0, 0, 0, 0, 0, 0});
+  EXPECT_EQ(Call("external_call", {six, 1, 2, 3, 4, 5, 6}).real, 654321);
+  const RValue mixed = Call("external_define4", {"shapes.so", "mixed", 0, 1, 1, 0, 1, 0});
+  EXPECT_EQ(Call("external_call4", {mixed, "a", 1.5, "", 2}).Text(), "a 1.5  2");
+  const int32_t mapOf = external_define("shapes.so", "map_of", dll_cdecl, ty_real, {ty_real});
+  const auto map = static_cast<int32_t>(external_call(mapOf, {12}).real);
+  EXPECT_EQ(ds_map_find_value(map, "value").real, 12);
+  ds_map_destroy(map);
+  EXPECT_EQ(External_LibraryCount(), 1);
+  EXPECT_EQ(Error().fatalCount, 0);
 }
 
 TEST_F(FileSystem, BadDefinitionsAreReported) {
