@@ -3,6 +3,7 @@
 #include "Files/Base/Console.h"
 #include "Files/Base/Error.h"
 #include "Files/Code/BuiltinAccess.h"
+#include "Files/Code/Code.h"
 #include "Files/Graphics/Draw.h"
 #include "Files/Graphics/Graphics.h"
 #include "Files/IO/Gamepad.h"
@@ -184,6 +185,8 @@ bool RunnerLoadGame(ContainerView& container) {
   RunnerState& runner = Runner();
   GameDescriptor& descriptor = *runner.setup.descriptor;
   ReleaseConsole().Output("RunnerLoadGame: %s\n", runner.gameFile.c_str());
+  Code().table = descriptor.codeTable;
+  Code().instanceSlotCount = descriptor.instanceSlotCount;
   if (descriptor.container)
     runner.gameFile = Path_Executable();
   else if (!FindGameFile())
