@@ -51,6 +51,7 @@ void RunBody() {
   RunFrameBody();
   const int64_t spent = Timing_Time() - state.bodyStart;
   if (spent > 0) state.fpsReal = static_cast<float>(kSecond) / static_cast<float>(spent);
+  Profiler_Mark("Present");
   EndFrame(Rooms().request < 0 && Run().automaticDrawing);
 }
 
