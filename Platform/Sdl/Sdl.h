@@ -6,6 +6,7 @@
 #include <SDL.h>
 
 #include <array>
+#include <atomic>
 #include <cstddef>
 #include <deque>
 #include <map>
@@ -138,7 +139,7 @@ public:
 private:
   static void SDLCALL Call(void* self, Uint8* bytes, int length);
 
-  SDL_AudioDeviceID m_device = 0;
+  std::atomic<SDL_AudioDeviceID> m_device{0}; // opened on another thread than the game's
   AudioFill m_fill = nullptr;
   void* m_user = nullptr;
 };

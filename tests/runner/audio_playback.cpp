@@ -7,6 +7,7 @@
 #include "tests/runner/audio_support.h"
 
 #include <cstdlib>
+#include <cstring>
 #include <deque>
 #include <fstream>
 #include <memory>
@@ -355,4 +356,82 @@ TEST(Audio, ThreadsOfDeviceWorkersAndGameMeetInPeace) {
   EXPECT_GT(device.Loudest(), 1000);
   Audio_Quit();
   Platform_Set(nullptr);
+}
+
+// The whole way: the desktop's device opens beside the game and takes over; its driver writes what it is
+// given.
+TEST(Audio, TheDesktopsDeviceOpensBesideTheGameAndPlays) {
+  const std::string path = Directory_Temporary() + "vesk_audio.raw";
+  File_Remove(path);
+  Environment_Set("SDL_AUDIODRIVER", "disk");
+  Environment_Set("SDL_DISKAUDIOFILE", path);
+  Environment_Set("SDL_DISKAUDIODELAY", "4");
+  {
+    CDesktopPlatform desktop;
+    Platform_Set(&desktop.Interfaces());
+    const IClock& clock = *desktop.Interfaces().clock;
+    const int64_t before = clock.Microseconds();
+    Audio_Init(true);
+    EXPECT_LT(clock.Microseconds() - before, 200000) << "the start doesn't wait for the device";
+    const std::vector<uint8_t> bytes = Effect(0.4);
+    SoundRecord record;
+    record.flags = kEffect;
+    record.audioIndex = 0;
+    Audio_AddSound(0, record);
+    Audio_BindData(0, bytes);
+    for (int i = 0; i < 500 && !desktop.Interfaces().audio->IsOpen(); ++i) CSystemClock().Sleep(2000);
+    if (!desktop.Interfaces().audio->IsOpen()) {
+      Audio_Quit();
+      Platform_Set(nullptr);
+      GTEST_SKIP() << "this SDL has no disk driver";
+    }
+    const int voice = audio_play_sound(0, 1, false);
+    for (int i = 0; i < 1000 && audio_is_playing(voice); ++i) {
+      Audio_Update();
+      CSystemClock().Sleep(2000);
+    }
+    EXPECT_FALSE(audio_is_playing(voice));
+    Audio_Quit();
+    Platform_Set(nullptr);
+  }
+  Environment_Set("SDL_AUDIODRIVER", "dummy");
+  std::string raw;
+  ASSERT_TRUE(File_ReadAll(path, raw));
+  std::vector<int16_t> samples(raw.size() / 2);
+  std::memcpy(samples.data(), raw.data(), samples.size() * 2);
+  const auto loud =
+      std::count_if(samples.begin(), samples.end(), [](int16_t sample) { return std::abs(sample) > 500; });
+  EXPECT_NEAR(static_cast<double>(loud), 0.4 * 48000 * 2, 4000);
+  File_Remove(path);
+}
+
+TEST(Audio, AMachineWithoutSoundPlaysOnSilently) {
+  LogTrap log;
+  Environment_Set("SDL_AUDIODRIVER", "no such driver");
+  {
+    CDesktopPlatform desktop;
+    Platform_Set(&desktop.Interfaces());
+    Audio_Init(true);
+    const std::vector<uint8_t> bytes = Effect(0.1);
+    SoundRecord record;
+    record.flags = kEffect;
+    record.audioIndex = 0;
+    Audio_AddSound(0, record);
+    Audio_BindData(0, bytes);
+    const CSystemClock clock;
+    const int64_t start = clock.Microseconds();
+    const int voice = audio_play_sound(0, 1, false);
+    EXPECT_TRUE(audio_is_playing(voice));
+    for (int i = 0; i < 1000 && audio_is_playing(voice); ++i) {
+      Audio_Update();
+      CSystemClock().Sleep(2000);
+    }
+    EXPECT_FALSE(audio_is_playing(voice));
+    EXPECT_GT(clock.Microseconds() - start, 90000);
+    EXPECT_FALSE(desktop.Interfaces().audio->IsOpen());
+    Audio_Quit();
+    Platform_Set(nullptr);
+  }
+  Environment_Set("SDL_AUDIODRIVER", "dummy");
+  EXPECT_TRUE(log.Has("Falling back to use dummy output.\n"));
 }
