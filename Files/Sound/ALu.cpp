@@ -89,7 +89,7 @@ float Doppler(const Context& context, const Vector3& toListener, const Vector3& 
 int PanIndex(float x, float z) {
   const float sum = std::abs(x) + std::abs(z);
   if (sum == 0) return 0;
-  int index = static_cast<int>(std::abs(x) * kQuadrant / sum + 0.5f);
+  int index = static_cast<int>(std::floor(std::abs(x) * kQuadrant / sum + 0.5f));
   if (z > 0) index = kPanSteps / 2 - index;
   if (x < 0) index = kPanSteps - index;
   return index & (kPanSteps - 1);
@@ -162,7 +162,7 @@ void Read(Context& context, const ALsource& source, int step, float* out, int fr
         }
       }
     }
-    out += whole * kChannels;
+    out += static_cast<ptrdiff_t>(whole) * kChannels;
     frames -= whole;
     const int64_t moved = fraction + static_cast<int64_t>(whole) * step;
     at.frame += moved >> kFractionBits;
@@ -207,7 +207,7 @@ Reader ReaderFor(int channels, int sampleBytes) {
 // ---- adding ----
 
 // One source channel into one output channel, from the gain reached to the target over the whole stretch.
-void AddChannel(const float* in, int inStride, float* out, int outStride, int frames, float from,
+void AddChannel(const float* in, ptrdiff_t inStride, float* out, ptrdiff_t outStride, int frames, float from,
                 float target) {
   const float step = (target - from) / static_cast<float>(frames);
   if (std::abs(step) > kSmallestRamp) {

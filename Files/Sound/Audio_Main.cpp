@@ -382,6 +382,7 @@ std::vector<std::string> Audio_Playing() {
       playing.emplace_back(voice->voiceId, Audio_SoundOf(voice->soundId)->assetName);
   std::sort(playing.begin(), playing.end());
   std::vector<std::string> names;
+  names.reserve(playing.size());
   for (auto& [id, name] : playing) names.push_back(std::move(name));
   return names;
 }

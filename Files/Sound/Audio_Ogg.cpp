@@ -490,7 +490,7 @@ int COggAudio::Fill(Channel& channel, ALuint buffer) {
   const bool looped = channel.playState == PlayState::Looped;
   const int frameBytes = 2 * channel.decoder.Channels();
   int filled = 0;
-  uint8_t* const half = channel.pcm.data() + channel.currentHalf * kStreamHalf;
+  uint8_t* const half = channel.pcm.data() + ptrdiff_t{channel.currentHalf} * kStreamHalf;
   if (channel.silent) {
     int64_t frames = kStreamHalf / frameBytes;
     if (!looped) frames = std::min(frames, std::max<int64_t>(channel.total - channel.silentFrame, 0));

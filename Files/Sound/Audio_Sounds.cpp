@@ -162,7 +162,7 @@ void Audio_MeasureSound(AudioSound& sound) {
     rate = wave.rate;
     channels = wave.format == AL_FORMAT_STEREO8 || wave.format == AL_FORMAT_STEREO16 ? 2 : 1;
     const bool small = wave.format == AL_FORMAT_MONO8 || wave.format == AL_FORMAT_STEREO8;
-    frames = static_cast<int64_t>(wave.bytes.size()) / (channels * (small ? 1 : 2));
+    frames = static_cast<int64_t>(wave.bytes.size()) / (int64_t{channels} * (small ? 1 : 2));
     measured = true;
   }
   sound.sampleRate = rate;

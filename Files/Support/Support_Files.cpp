@@ -46,7 +46,7 @@ std::string Files_FindForReading(const std::string& path) {
 }
 
 std::string Files_GamePath(const std::string& path) {
-  const std::string native = Path_Native(path);
+  std::string native = Path_Native(path);
   if (native.empty() || Path_IsAbsolute(native)) return native;
   return Path_Native(Root(g_locations.bundle) + native);
 }

@@ -147,7 +147,8 @@ TEST_F(Mixer, GainsRampOverABlockAndEndExact) {
   EXPECT_FLOAT_EQ(Mix(8)[0].first, 1) << "the first block doesn't ramp";
   alSourcef(m_source, AL_GAIN, 0);
   const auto falling = Mix(8);
-  for (int i = 0; i < 8; ++i) EXPECT_NEAR(falling[static_cast<size_t>(i)].first, 1 - static_cast<float>(i + 1) / 8, 1e-6f);
+  for (int i = 0; i < 8; ++i)
+    EXPECT_NEAR(falling[static_cast<size_t>(i)].first, 1 - static_cast<float>(i + 1) / 8, 1e-6f);
   for (const auto& [left, right] : Mix(8)) EXPECT_EQ(left, 0);
   alSourcef(m_source, AL_GAIN, 0.5f);
   Mix(8);
