@@ -16,7 +16,7 @@ DrawCounts LastFrameDraws() {
 }
 
 std::string WriteShot(const std::string& file) {
-  const Picture picture = Graphics_ReadBackBuffer();
+  const WindowPicture picture = Graphics_ReadBackBuffer();
   if (picture.pixels.empty()) return "no frame has been drawn yet";
   png_image image{};
   image.version = PNG_IMAGE_VERSION;

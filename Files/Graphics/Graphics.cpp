@@ -220,9 +220,9 @@ void Graphics_Settle() {
   Device_Reset();
 }
 
-Picture Graphics_ReadBackBuffer() {
+WindowPicture Graphics_ReadBackBuffer() {
   GraphicsState& g = g_graphics;
-  Picture picture;
+  WindowPicture picture;
   if (!g.device || g.windowWidth <= 0 || g.windowHeight <= 0) return picture;
   FlushBatch();
   picture.width = g.windowWidth;

@@ -60,11 +60,11 @@ void Device_Reset(); // all surfaces are lost; textures stay
 void Graphics_Splash(const char* file, void (*pump)());
 
 // What the window shows, once its frame was drawn; empty without a device.
-struct Picture {
+struct WindowPicture {
   int32_t width = 0, height = 0;
   std::vector<uint8_t> pixels; // red, green, blue, alpha
 };
-Picture Graphics_ReadBackBuffer();
+WindowPicture Graphics_ReadBackBuffer();
 
 // ---- built-ins of display and window ----
 int32_t display_get_width();

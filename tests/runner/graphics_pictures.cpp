@@ -67,7 +67,7 @@ protected:
   }
   // Every pixel of the window within `tolerance` of the expected one; alpha is not compared.
   void Expect(Canvas& canvas, int tolerance) {
-    const Picture picture = Graphics_ReadBackBuffer();
+    const WindowPicture picture = Graphics_ReadBackBuffer();
     ASSERT_EQ(picture.width, kWidth);
     int wrong = 0;
     for (int y = 0; y < kHeight && wrong < 5; ++y)
