@@ -53,6 +53,27 @@ struct NamedKey {
   std::string_view name;
   int code;
 };
+struct PadButtonName {
+  std::string_view name;
+  uint16_t bit; // of StandardPadState
+};
+constexpr PadButtonName kPadButtons[] = {
+    {"dpup", 0x1},         {"dpdown", 0x2},         {"dpleft", 0x4}, {"dpright", 0x8}, {"start", 0x10},
+    {"back", 0x20},        {"leftstick", 0x40},     {"rightstick", 0x80},
+    {"leftshoulder", 0x100}, {"rightshoulder", 0x200}, {"guide", 0x400},
+    {"a", 0x1000},         {"b", 0x2000},           {"x", 0x4000},   {"y", 0x8000},
+};
+struct PadAxisName {
+  std::string_view name;
+  int16_t StandardPadState::*axis;
+  int sign; // of the device for 1
+};
+constexpr PadAxisName kPadAxes[] = {
+    {"leftx", &StandardPadState::leftX, 1},
+    {"lefty", &StandardPadState::leftY, -1},
+    {"rightx", &StandardPadState::rightX, 1},
+    {"righty", &StandardPadState::rightY, -1},
+};
 constexpr NamedKey kKeys[] = {
     {"left", 37},  {"up", 38},   {"right", 39},    {"down", 40}, {"enter", 13}, {"escape", 27}, {"space", 32},
     {"shift", 16}, {"ctrl", 17}, {"alt", 18},      {"backspace", 8}, {"tab", 9},
@@ -159,6 +180,8 @@ private:
   std::string FrameField() const { return "{\"frame\":" + std::to_string(m_simulation.Frame()); }
 
   void Play(const Words& w) { Judge(m_simulation.Play(Plain(w[0]), w.size() > 1 ? Plain(w[1]) : "Main")); }
+  void Edit(const Words& w) { Judge(m_simulation.Edit(Plain(w[0]), w.size() > 1 ? Plain(w[1]) : "Main")); }
+  void New(const Words& w) { Judge(m_simulation.New(Plain(w[0]))); }
   void Room(const Words& w) { Judge(m_simulation.Room(w[0])); }
   void StepCommand(const Words& w);
   void Press(const Words& w);
@@ -170,6 +193,10 @@ private:
   void Click(const Words& w);
   void Drag(const Words& w);
   void Wheel(const Words& w);
+  void Pad(const Words& w);
+  void PadPlugged(bool connect);
+  void PadButton(const std::string& name, const std::string& way);
+  void PadAxis(const std::string& name, const std::string& value);
   void Until(const Words& w);
   void Dump(const Words& w);
   void Watch(const Words& w);
@@ -190,6 +217,7 @@ private:
   ScriptResult m_result = ScriptResult::kAllWell;
   int m_line = 0;
   bool m_started = false;
+  int32_t m_pad = -1; // device of the pad; -1 none
   std::vector<Words> m_watched; // object, variables
 };
 
@@ -197,6 +225,8 @@ constexpr size_t kAny = 1000;
 
 const Interpreter::Command Interpreter::kCommands[] = {
     {"play", 1, 2, &Interpreter::Play, "play FILE [SECTION]"},
+    {"edit", 1, 2, &Interpreter::Edit, "edit FILE [SECTION]"},
+    {"new", 1, 1, &Interpreter::New, "new NAME"},
     {"room", 1, 1, &Interpreter::Room, "room NAME"},
     {"step", 0, 1, &Interpreter::StepCommand, "step [N]"},
     {"press", 1, kAny, &Interpreter::Press, "press KEY…"},
@@ -208,6 +238,7 @@ const Interpreter::Command Interpreter::kCommands[] = {
     {"click", 2, 3, &Interpreter::Click, "click X Y [left|right|middle]"},
     {"drag", 4, 5, &Interpreter::Drag, "drag X1 Y1 X2 Y2 [BUTTON]"},
     {"wheel", 1, 1, &Interpreter::Wheel, "wheel up|down"},
+    {"pad", 1, 3, &Interpreter::Pad, "pad connect|disconnect, pad button NAME down|up, pad axis NAME VALUE"},
     {"until", 3, 4, &Interpreter::Until, "until TERM OP TERM [MAX]"},
     {"dump", 2, kAny, &Interpreter::Dump, "dump OBJECT|global VAR…"},
     {"watch", 2, kAny, &Interpreter::Watch, "watch OBJECT|global VAR…"},
@@ -242,7 +273,9 @@ void Interpreter::Execute(const std::string& line) {
     words.erase(words.begin());
     if (words.size() < command.fewest || words.size() > command.most)
       return Refuse("usage: " + std::string(command.usage));
-    if (Ready()) (this->*command.run)(words);
+    // A pad that is there before the program starts is plugged in before it.
+    const bool before = !m_started && command.run == &Interpreter::Pad;
+    if (before || Ready()) (this->*command.run)(words);
     return;
   }
   Refuse("unknown command \"" + words[0] + "\"");
@@ -341,6 +374,54 @@ void Interpreter::Drag(const Words& w) {
 void Interpreter::Wheel(const Words& w) {
   if (w[0] != "up" && w[0] != "down") return Refuse("the wheel goes up or down");
   m_simulation.Wheel(w[0] == "up");
+}
+
+void Interpreter::PadPlugged(bool connect) {
+  CHandDrivenPlatform& devices = m_simulation.Devices();
+  if (connect == (m_pad >= 0)) return Refuse(connect ? "a pad is connected already" : "no pad is connected");
+  if (connect) {
+    PadInfo info;
+    info.name = "Pad";
+    info.standard = true;
+    m_pad = devices.pads.Attach(info);
+  } else {
+    devices.pads.Detach(m_pad);
+    m_pad = -1;
+  }
+  if (m_started) devices.messages.PadsChanged();
+}
+
+void Interpreter::PadButton(const std::string& name, const std::string& way) {
+  if (way != "down" && way != "up") return Refuse("a button goes down or up");
+  StandardPadState& state = m_simulation.Devices().pads.Find(m_pad)->standard;
+  for (const PadButtonName& row : kPadButtons) {
+    if (row.name != name) continue;
+    state.buttons = static_cast<uint16_t>(way == "down" ? state.buttons | row.bit : state.buttons & ~row.bit);
+    return;
+  }
+  Refuse("\"" + name + "\" is not a pad's button");
+}
+
+void Interpreter::PadAxis(const std::string& name, const std::string& value) {
+  double amount = 0;
+  if (!Number(value, amount)) return;
+  if (amount < -1 || amount > 1) return Refuse("an axis goes from -1 to 1");
+  StandardPadState& state = m_simulation.Devices().pads.Find(m_pad)->standard;
+  for (const PadAxisName& row : kPadAxes) {
+    if (row.name != name) continue;
+    state.*row.axis = static_cast<int16_t>(std::lround(amount * row.sign * 32767));
+    return;
+  }
+  Refuse("\"" + name + "\" is not a pad's axis");
+}
+
+void Interpreter::Pad(const Words& w) {
+  if (w.size() == 1 && w[0] == "connect") return PadPlugged(true);
+  if (w.size() == 1 && w[0] == "disconnect") return PadPlugged(false);
+  if (w.size() != 3 || (w[0] != "button" && w[0] != "axis")) return Refuse("usage: pad connect|disconnect, pad button NAME down|up, pad axis NAME VALUE");
+  if (m_pad < 0) return Refuse("no pad is connected");
+  if (w[0] == "button") PadButton(w[1], w[2]);
+  else PadAxis(w[1], w[2]);
 }
 
 void Interpreter::Until(const Words& w) {

@@ -102,10 +102,13 @@ void Simulation::Mouse(double viewX, double viewY) {
   m_platform.messages.Mouse(static_cast<int32_t>(viewX), static_cast<int32_t>(viewY));
 }
 
-std::string Simulation::Play(const std::string& file, const std::string& section) {
+std::string Simulation::FullName(const std::string& file) const {
   const std::filesystem::path fromStart = std::filesystem::path(m_startDirectory) / file;
-  const std::string found = std::filesystem::exists(fromStart) ? fromStart.string() : file;
-  const std::string problem = start_level(found, section);
+  return std::filesystem::exists(fromStart) ? fromStart.string() : file;
+}
+
+std::string Simulation::Play(const std::string& file, const std::string& section) {
+  const std::string problem = start_level(FullName(file), section);
   if (!problem.empty()) return "\"" + file + "\": " + problem;
   for (int frame = 0; frame < kMostOpeningFrames && Running() && FatalReport().empty(); ++frame) {
     Step();
@@ -115,20 +118,40 @@ std::string Simulation::Play(const std::string& file, const std::string& section
   return FatalReport().empty() ? "\"" + file + "\": no hero appears" : FatalReport();
 }
 
+// A change of rooms begins with a fade, in which everything else sleeps.
+void Simulation::WaitForFade() {
+  for (int frame = 0; frame < kMostOpeningFrames && Running(); ++frame) {
+    const auto controller = InstancesOf(obj_persistent);
+    if (controller.empty() || (ValueAsReal(ReadVariable(controller.front(), {"mode", kNoIndex})) == 0 &&
+                               ValueAsReal(ReadVariable(controller.front(), {"done", kNoIndex})) >= 1))
+      return;
+    Step();
+  }
+}
+
+std::string Simulation::Edit(const std::string& file, const std::string& section) {
+  const std::string problem = start_editing(FullName(file), section);
+  if (!problem.empty()) return "\"" + file + "\": " + problem;
+  Step();
+  WaitForFade();
+  return FatalReport();
+}
+
+std::string Simulation::New(const std::string& level) {
+  const std::string problem = start_new_level(level);
+  if (!problem.empty()) return problem;
+  Step();
+  WaitForFade();
+  return FatalReport();
+}
+
 std::string Simulation::Room(const std::string& name) {
   for (const auto& room : Rooms().templates) {
     if (!room || room->name != name) continue;
     skip_logos();
     room_goto(room->index);
     Step();
-    // Without the fade that a change of rooms begins with.
-    for (int frame = 0; frame < kMostOpeningFrames && Running(); ++frame) {
-      const auto controller = InstancesOf(obj_persistent);
-      if (controller.empty() || (ValueAsReal(ReadVariable(controller.front(), {"mode", kNoIndex})) == 0 &&
-                                 ValueAsReal(ReadVariable(controller.front(), {"done", kNoIndex})) >= 1))
-        break;
-      Step();
-    }
+    WaitForFade();
     return "";
   }
   return "there is no room \"" + name + "\"";

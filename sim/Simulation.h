@@ -36,6 +36,8 @@ public:
 
   // The starts that skip the logos; each gives "" or what is wrong.
   std::string Play(const std::string& file, const std::string& section); // to the first frame of a hero that can move
+  std::string Edit(const std::string& file, const std::string& section); // to the editor, with no fade running
+  std::string New(const std::string& level);
   std::string Room(const std::string& name);
 
   // Input arrives before the next frame. The mouse is at a point of the 384 by 216 view.
@@ -51,6 +53,8 @@ public:
   std::string FatalReport() const;
 
 private:
+  std::string FullName(const std::string& file) const; // a file named from where the run began
+  void WaitForFade();
 
   SimulationSettings m_settings;
   CHandDrivenPlatform m_platform;

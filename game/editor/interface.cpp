@@ -12,7 +12,6 @@ constexpr int kLeftButton = 1;
 constexpr int kBackspace = 8;
 constexpr double kNameWidth = 178;                           // pixels of a name's box
 constexpr double kMessageWidth = 292, kMessageHeight = 54;   // pixels of a message box
-constexpr std::string_view kRefusedInNames = "\\/:*?<>|";    // not allowed in file names
 constexpr double kPanelAlpha = 0.7;
 enum Frame { kIdle, kHovered, kPressed };
 

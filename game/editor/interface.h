@@ -3,6 +3,7 @@
 #include "Files/Code/Self.h"
 
 #include <string>
+#include <string_view>
 
 namespace vesk {
 
@@ -10,6 +11,8 @@ inline constexpr int kControlKey = 17, kAltKey = 18, kShiftKey = 16, kEnterKey =
 inline constexpr int kLeftKey = 37, kUpKey = 38, kRightKey = 39, kDownKey = 40;
 inline constexpr int kGold = 248 + 192 * 256 + 40 * 65536; // of prompts and refusals
 inline constexpr int kMusicPriority = 99;
+
+inline constexpr std::string_view kRefusedInNames = "\\/:*?<>|"; // what a file name can't hold
 
 enum ReaderMode { kNames = 0, kAnyText = 1, kMessageText = 2 };
 

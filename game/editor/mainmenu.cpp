@@ -1,4 +1,5 @@
 // obj_mainmenu and its rows: the list of levels, its filter, and naming a new level.
+#include "Files/Base/Console.h"
 #include "Files/Function/Function_Data_Structures.h"
 #include "game/Game.h"
 #include "game/editor/interface.h"
@@ -13,6 +14,7 @@ namespace {
 enum Mode { kBrowsing, kNaming };
 constexpr int kFirstRowTop = 36, kRowStep = 32; // room pixels
 constexpr int kEdge = 8;
+constexpr double kNameRoom = 240; // pixels of a row's name
 
 std::string typed(Self menu) { return first(menu[readkeys])[words].text(); }
 void clear_typed(Self menu) { first(menu[readkeys])[words] = ""; }
@@ -119,10 +121,8 @@ bool more_below() {
 }
 
 void EndStep(Self self) {
-  self[x] = mouse_x;
-  self[y] = mouse_y;
+  const double in_view = mouse_y - view_yview[0];
   self[mvmnt] = keyboard_check(kControlKey) ? 15 : 5;
-  const double in_view = self[y] - view_yview[0];
   const bool up = keyboard_check(kUpKey) || mouse_wheel_up() || (in_view > -kEdge && in_view < kEdge);
   const bool down = keyboard_check(kDownKey) || mouse_wheel_down() ||
                     (in_view > view_hview[0] - kEdge && in_view < view_hview[0] + kEdge);
@@ -130,6 +130,8 @@ void EndStep(Self self) {
   if (down && more_below()) view_yview[0] += self[mvmnt] + (mouse_wheel_down() ? 10 : 0);
   if (view_yview[0] < 0) view_yview[0] = 0;
   background_y[0] = view_yview[0].Get();
+  self[x] = mouse_x;
+  self[y] = view_yview[0] + in_view; // the view has moved under the mouse
 }
 
 // ---- drawing ----
@@ -155,6 +157,14 @@ void DrawGuiEnd(Self self) {
 
 // ---- a row ----
 
+// A file's name may be longer than what can be typed here.
+std::string cut_to_width(const std::string& whole, double pixels) {
+  if (string_width(whole) <= pixels) return whole;
+  int kept = string_length(whole);
+  while (kept > 0 && string_width(string_copy(whole, 1, kept) + "...") > pixels) --kept;
+  return string_copy(whole, 1, kept) + "...";
+}
+
 void RowCreate(Self self) {
   self[name] = "SET THIS TO LEVEL NAME";
   self[note] = "";
@@ -164,11 +174,23 @@ void RowCreate(Self self) {
 
 void RowDestroy(Self self) { destroy_buttons_of(self); }
 
+// "" or a refusal short enough for the menu's line; the console gets the whole story.
+std::string load_level(const std::string& level) {
+  if (!FS_file_exists("Level/" + level + ".json")) return "The level is gone!";
+  scr_level_load(level);
+  const std::string problem = scr_level_problem();
+  if (problem.empty()) return "";
+  ReleaseConsole().Output("Level \"%s\": %s\n", level.c_str(), problem.c_str());
+  return "This level is damaged!";
+}
+
 // A damaged level is refused in the menu's own line; the menu stands.
 void RowNotified(Self self) {
-  scr_level_load(self[name].text());
-  if (const std::string problem = scr_level_problem(); !problem.empty()) {
-    with(obj_mainmenu, [&](Self menu) { refuse(menu, problem); });
+  if (const std::string refusal = load_level(self[name].text()); !refusal.empty()) {
+    with(obj_mainmenu, [&](Self menu) {
+      refuse(menu, refusal);
+      clear_typed(menu); // the line shows what was typed before a refusal
+    });
     return;
   }
   audio_stop_sound(Beat);
@@ -188,7 +210,7 @@ void RowDrawGui(Self self) {
   draw_sprite_ext(self, spr_editor_top, 0, self[x], top, 1, 1, 0, c_white, 0.7f);
   draw_sprite(self, spr_box_level_name, 0, self[x] + 13, top + 3);
   draw_set_font(global[font]);
-  draw_text(self[x] + 20, top + 10, self[name]);
+  draw_text(self[x] + 20, top + 10, cut_to_width(self[name].text(), kNameRoom));
 }
 
 void RowDrawGuiEnd(Self self) {

@@ -34,7 +34,8 @@ void PlaceholderCreate(Self self) {
 void draw_look(Self self, double left, double top) {
   if (self[sprite_index] < 0) return;
   draw_sprite_ext(self, self[sprite_index], self[image_index], left + self[x_offset].Get(),
-                  top + self[y_offset].Get(), self[x_direct], self[y_direct], 0, c_white, self[image_alpha]);
+                  top + self[y_offset].Get(), self[x_direct], self[y_direct], 0, self[image_blend],
+                  self[image_alpha]);
   for (int row = 0; row < self[a_l]; ++row)
     draw_sprite_ext(self, self[a_s].at(row, 0), self[a_s].at(row, 1), left + self[a_s].at(row, 2).Get(),
                     top + self[a_s].at(row, 3).Get(), 1, 1, 0, c_white, self[a_s].at(row, 4));

@@ -85,7 +85,8 @@ void delete_section(Self self) {
 }
 
 void enter_section(Self self) {
-  if (global[section].value().Text() != self[note].value().Text()) audio_play_sound(snd_pistolplus, 0, false);
+  if (global[section] == self[note].text()) return; // it is on screen already
+  audio_play_sound(snd_pistolplus, 0, false);
   global[section] = self[note];
   room_restart();
 }

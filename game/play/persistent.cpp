@@ -69,7 +69,8 @@ void read_settings(Self self) {
   for (const Slot setting : {fullscreen, filter, vsync})
     self[setting] = real(RValue(FS_file_text_read_string(file)));
   FS_file_text_close(file);
-  if (self[filter] < 1 || self[filter] > 4) self[filter] = default_scale(); // a damaged file
+  self[filter] = floor(self[filter]);
+  if (!(self[filter] >= 1 && self[filter] <= 4)) self[filter] = default_scale(); // a damaged file
 }
 
 void GameStart(Self self) {

@@ -2,6 +2,8 @@
 
 #include "Files/Function/Function_Data_Structures.h"
 #include "game/Game.h"
+#include "game/editor/interface.h"
+#include "game/level/files.h"
 #include "game/level/level_file.h"
 
 namespace vesk {
@@ -16,6 +18,17 @@ std::string name_of(const std::string& file) {
   return base;
 }
 
+// Loads the file; on failure the game goes to the main menu, as there is no level.
+std::string load_for(const std::string& file, const std::string& wanted_section) {
+  skip_logos();
+  std::string problem = scr_level_load_file(file);
+  if (problem.empty() && !ds_map_exists(global[leveldata], wanted_section))
+    problem = "The level has no section \"" + wanted_section + "\".";
+  if (problem.empty()) global[levelname] = name_of(file);
+  else room_goto(rm_mainmenu);
+  return problem;
+}
+
 } // namespace
 
 void skip_logos() {
@@ -27,16 +40,29 @@ void skip_logos() {
 }
 
 std::string start_level(const std::string& file, const std::string& first_section) {
+  const std::string problem = load_for(file, first_section);
+  if (problem.empty()) scr_level_play(first_section);
+  return problem;
+}
+
+std::string start_editing(const std::string& file, const std::string& shown_section) {
+  const std::string problem = load_for(file, shown_section);
+  if (!problem.empty()) return problem;
+  global[section] = shown_section;
+  room_goto(rm_editor);
+  return "";
+}
+
+std::string start_new_level(const std::string& level) {
+  if (level.empty()) return "A level must have a name.";
+  if (level.find_first_of(kRefusedInNames) != std::string::npos)
+    return "\"" + level + "\" holds a character that no file name can have.";
+  if (FS_file_exists("Level/" + level + ".json")) return "The level \"" + level + "\" exists already.";
   skip_logos();
-  std::string problem = scr_level_load_file(file);
-  if (problem.empty() && !ds_map_exists(global[leveldata], first_section))
-    problem = "The level has no section \"" + first_section + "\".";
-  if (!problem.empty()) {
-    room_goto(rm_mainmenu);
-    return problem;
-  }
-  global[levelname] = name_of(file);
-  scr_level_play(first_section);
+  global[levelname] = level;
+  global[section] = kMainSection;
+  scr_level_new();
+  room_goto(rm_editor);
   return "";
 }
 
