@@ -46,7 +46,9 @@ RValue ReadVariable(CInstance* instance, const VariablePath& path) {
   RValue value;
   const int32_t id = VariableId(path.name);
   if (id < 0) return value;
-  ZqObjectBase* holder = instance ? static_cast<ZqObjectBase*>(instance) : id >= kVariableIdBase ? GlobalObject() : nullptr;
+  ZqObjectBase* holder = instance                ? static_cast<ZqObjectBase*>(instance)
+                         : id >= kVariableIdBase ? GlobalObject()
+                                                 : nullptr;
   if (id >= kVariableIdBase) {
     const RValue* slot = holder ? holder->FindSlot(id - kVariableIdBase) : nullptr;
     if (!slot) {
@@ -65,7 +67,8 @@ RValue ReadVariable(CInstance* instance, const VariablePath& path) {
 bool WriteVariable(CInstance* instance, const VariablePath& path, const RValue& value) {
   const int32_t id = VariableId(path.name);
   if (id < 0) return false;
-  return Variable_SetValue(instance ? static_cast<ZqObjectBase*>(instance) : GlobalObject(), id, path.index, value);
+  return Variable_SetValue(instance ? static_cast<ZqObjectBase*>(instance) : GlobalObject(), id, path.index,
+                           value);
 }
 
 std::string JsonNumber(double value) {
@@ -121,8 +124,9 @@ std::vector<CInstance*> InstancesOf(int32_t object) {
 int32_t CountTiles(double depth) {
   const CRoom* room = CurrentRoom();
   if (!room) return 0;
-  return static_cast<int32_t>(std::count_if(room->tiles.begin(), room->tiles.end(),
-                                            [&](const Tile& tile) { return std::fabs(tile.depth - depth) < 1e-5; }));
+  return static_cast<int32_t>(std::count_if(room->tiles.begin(), room->tiles.end(), [&](const Tile& tile) {
+    return std::fabs(tile.depth - depth) < 1e-5;
+  }));
 }
 
 // ---- checksum ----
@@ -131,8 +135,7 @@ namespace {
 
 class Digest {
 public:
-  template <class T>
-  void Add(const T& value) {
+  template <class T> void Add(const T& value) {
     static_assert(std::is_arithmetic_v<T>);
     unsigned char bytes[sizeof(T)];
     std::memcpy(bytes, &value, sizeof(T));
@@ -179,9 +182,11 @@ void AddInstance(Digest& digest, CInstance& it) {
   for (const bool flag : {it.visible, it.solid, it.persistent, it.marked, it.deactivated}) digest.Add(flag);
   for (const int32_t number : {it.spriteIndex, it.maskIndex, it.pathIndex}) digest.Add(number);
   for (const float number :
-       {it.x, it.y, it.xPrevious, it.yPrevious, it.xStart, it.yStart, it.hspeed, it.vspeed, it.direction, it.speed,
-        it.friction, it.gravity, it.gravityDirection, it.imageIndex, it.imageSpeed, it.imageXScale, it.imageYScale,
-        it.imageAngle, it.imageAlpha, it.pathPosition, it.depth})
+       {it.x,           it.y,           it.xPrevious,        it.yPrevious,  it.xStart,
+        it.yStart,      it.hspeed,      it.vspeed,           it.direction,  it.speed,
+        it.friction,    it.gravity,     it.gravityDirection, it.imageIndex, it.imageSpeed,
+        it.imageXScale, it.imageYScale, it.imageAngle,       it.imageAlpha, it.pathPosition,
+        it.depth})
     digest.Add(number);
   digest.Add(it.imageBlend);
   for (const int32_t steps : it.alarm) digest.Add(steps);
@@ -192,14 +197,16 @@ void AddRoom(Digest& digest, const CRoom& room) {
   digest.Add(room.width);
   digest.Add(room.height);
   for (const ViewSlot& view : room.views)
-    for (const float number : {view.xview, view.yview, view.wview, view.hview, view.angle}) digest.Add(number);
+    for (const float number : {view.xview, view.yview, view.wview, view.hview, view.angle})
+      digest.Add(number);
   for (const BackgroundSlot& slot : room.backgrounds) {
     digest.Add(slot.index);
     digest.Add(slot.x);
     digest.Add(slot.y);
   }
   for (const Tile& tile : room.tiles)
-    for (const double number : {double{tile.x}, double{tile.y}, double(tile.left), double(tile.top), double{tile.depth}})
+    for (const double number :
+         {double{tile.x}, double{tile.y}, double(tile.left), double(tile.top), double{tile.depth}})
       digest.Add(number);
 }
 

@@ -1,6 +1,6 @@
 #pragma once
-// Looking into a running game by the names that rules use. Numbers print with up to six decimals; an unset variable
-// prints null; object_index, sprite_index and mask_index print as names.
+// Looking into a running game by the names that rules use. Numbers print with up to six decimals; an unset
+// variable prints null; object_index, sprite_index and mask_index print as names.
 #include "Files/Code/Value.h"
 
 #include <cstdint>
@@ -19,8 +19,8 @@ struct VariablePath {
 // False for a text that is no variable's name with or without an index.
 bool ParseVariable(std::string_view text, VariablePath& path);
 
-// Undefined when the holder has no such variable; unset when it was never written. A null instance stands for the
-// global object and the variables of the run.
+// Undefined when the holder has no such variable; unset when it was never written. A null instance stands for
+// the global object and the variables of the run.
 RValue ReadVariable(CInstance* instance, const VariablePath& path);
 // False when the variable can't be written.
 bool WriteVariable(CInstance* instance, const VariablePath& path, const RValue& value);
@@ -36,7 +36,8 @@ std::string JsonValue(const std::string& name, const RValue& value);
 std::vector<CInstance*> InstancesOf(int32_t object);
 int32_t CountTiles(double depth);
 
-// Of the whole world: every instance's fields and variables in id order, globals, tiles, views, room, random state.
+// Of the whole world: every instance's fields and variables in id order, globals, tiles, views, room, random
+// state.
 uint64_t WorldChecksum();
 
 } // namespace vesk

@@ -58,10 +58,14 @@ struct PadButtonName {
   uint16_t bit; // of StandardPadState
 };
 constexpr PadButtonName kPadButtons[] = {
-    {"dpup", 0x1},         {"dpdown", 0x2},         {"dpleft", 0x4}, {"dpright", 0x8}, {"start", 0x10},
-    {"back", 0x20},        {"leftstick", 0x40},     {"rightstick", 0x80},
-    {"leftshoulder", 0x100}, {"rightshoulder", 0x200}, {"guide", 0x400},
-    {"a", 0x1000},         {"b", 0x2000},           {"x", 0x4000},   {"y", 0x8000},
+    {"dpup", 0x1},           {"dpdown", 0x2},
+    {"dpleft", 0x4},         {"dpright", 0x8},
+    {"start", 0x10},         {"back", 0x20},
+    {"leftstick", 0x40},     {"rightstick", 0x80},
+    {"leftshoulder", 0x100}, {"rightshoulder", 0x200},
+    {"guide", 0x400},        {"a", 0x1000},
+    {"b", 0x2000},           {"x", 0x4000},
+    {"y", 0x8000},
 };
 struct PadAxisName {
   std::string_view name;
@@ -75,8 +79,8 @@ constexpr PadAxisName kPadAxes[] = {
     {"righty", &StandardPadState::rightY, -1},
 };
 constexpr NamedKey kKeys[] = {
-    {"left", 37},  {"up", 38},   {"right", 39},    {"down", 40}, {"enter", 13}, {"escape", 27}, {"space", 32},
-    {"shift", 16}, {"ctrl", 17}, {"alt", 18},      {"backspace", 8}, {"tab", 9},
+    {"left", 37},  {"up", 38},    {"right", 39}, {"down", 40}, {"enter", 13},    {"escape", 27},
+    {"space", 32}, {"shift", 16}, {"ctrl", 17},  {"alt", 18},  {"backspace", 8}, {"tab", 9},
 };
 
 bool ParseInteger(const std::string& text, int64_t& number) {
@@ -96,7 +100,8 @@ int KeyCode(std::string_view name) {
   if (name.size() == 1 && name[0] >= 'a' && name[0] <= 'z') return name[0] - 'a' + 'A';
   if (name.size() == 1 && name[0] >= '0' && name[0] <= '9') return name[0];
   int64_t number = 0;
-  if (name.size() >= 2 && name[0] == 'f' && ParseInteger(std::string(name.substr(1)), number) && number >= 1 && number <= 12)
+  if (name.size() >= 2 && name[0] == 'f' && ParseInteger(std::string(name.substr(1)), number) &&
+      number >= 1 && number <= 12)
     return static_cast<int>(111 + number);
   if (name.size() >= 2 && ParseInteger(std::string(name), number) && number >= 1 && number <= 255)
     return static_cast<int>(number);
@@ -111,7 +116,8 @@ using Words = std::vector<std::string>;
 
 class Interpreter {
 public:
-  Interpreter(Simulation& simulation, const ScriptOutput& output) : m_simulation(simulation), m_output(output) {}
+  Interpreter(Simulation& simulation, const ScriptOutput& output)
+      : m_simulation(simulation), m_output(output) {}
 
   ScriptResult Run(std::istream& script);
 
@@ -217,7 +223,7 @@ private:
   ScriptResult m_result = ScriptResult::kAllWell;
   int m_line = 0;
   bool m_started = false;
-  int32_t m_pad = -1; // device of the pad; -1 none
+  int32_t m_pad = -1;           // device of the pad; -1 none
   std::vector<Words> m_watched; // object, variables
 };
 
@@ -289,8 +295,9 @@ void Interpreter::Step(int64_t frames) {
     PrintWatch();
     if (const std::string report = m_simulation.FatalReport(); !report.empty()) {
       m_result = ScriptResult::kFatalError;
-      m_output.errors << "line " << m_line << ": the game reported a fatal error in frame " << m_simulation.Frame()
-                      << "\n" << report << "\n";
+      m_output.errors << "line " << m_line << ": the game reported a fatal error in frame "
+                      << m_simulation.Frame() << "\n"
+                      << report << "\n";
     } else if (!m_simulation.Running()) {
       if (frames > 1) Refuse("the game has ended in frame " + std::to_string(m_simulation.Frame()));
       return;
@@ -418,10 +425,13 @@ void Interpreter::PadAxis(const std::string& name, const std::string& value) {
 void Interpreter::Pad(const Words& w) {
   if (w.size() == 1 && w[0] == "connect") return PadPlugged(true);
   if (w.size() == 1 && w[0] == "disconnect") return PadPlugged(false);
-  if (w.size() != 3 || (w[0] != "button" && w[0] != "axis")) return Refuse("usage: pad connect|disconnect, pad button NAME down|up, pad axis NAME VALUE");
+  if (w.size() != 3 || (w[0] != "button" && w[0] != "axis"))
+    return Refuse("usage: pad connect|disconnect, pad button NAME down|up, pad axis NAME VALUE");
   if (m_pad < 0) return Refuse("no pad is connected");
-  if (w[0] == "button") PadButton(w[1], w[2]);
-  else PadAxis(w[1], w[2]);
+  if (w[0] == "button")
+    PadButton(w[1], w[2]);
+  else
+    PadAxis(w[1], w[2]);
 }
 
 void Interpreter::Until(const Words& w) {
@@ -442,7 +452,8 @@ void Interpreter::Until(const Words& w) {
 
 void Interpreter::PrintInstances(int32_t object, const Words& words) {
   for (CInstance* it : InstancesOf(object)) {
-    m_output.lines << FrameField() << ",\"id\":" << it->id << ",\"object\":" << JsonText(Object_Name(it->objectIndex));
+    m_output.lines << FrameField() << ",\"id\":" << it->id
+                   << ",\"object\":" << JsonText(Object_Name(it->objectIndex));
     for (size_t at = 1; at < words.size(); ++at) {
       VariablePath path;
       ParseVariable(words[at], path);
@@ -469,8 +480,10 @@ void Interpreter::Dump(const Words& w) {
       return Refuse("there is no variable \"" + w[at] + "\"");
   }
   int32_t object = -1;
-  if (w[0] == "global") PrintGlobals(w);
-  else if (Object(w[0], object)) PrintInstances(object, w);
+  if (w[0] == "global")
+    PrintGlobals(w);
+  else if (Object(w[0], object))
+    PrintInstances(object, w);
 }
 
 void Interpreter::Watch(const Words& w) {
@@ -496,7 +509,8 @@ void Interpreter::CountCommand(const Words& w) {
 void Interpreter::Tiles(const Words& w) {
   double depth = 0;
   if (Number(w[0], depth))
-    m_output.lines << FrameField() << ",\"depth\":" << JsonNumber(depth) << ",\"tiles\":" << CountTiles(depth) << "}\n";
+    m_output.lines << FrameField() << ",\"depth\":" << JsonNumber(depth) << ",\"tiles\":" << CountTiles(depth)
+                   << "}\n";
 }
 
 void Interpreter::Checksum(const Words&) {
@@ -507,7 +521,8 @@ void Interpreter::Checksum(const Words&) {
 
 void Interpreter::Draws(const Words&) {
   const DrawCounts counts = LastFrameDraws();
-  m_output.lines << FrameField() << ",\"batches\":" << counts.batches << ",\"quads\":" << counts.quads << "}\n";
+  m_output.lines << FrameField() << ",\"batches\":" << counts.batches << ",\"quads\":" << counts.quads
+                 << "}\n";
 }
 
 void Interpreter::Shot(const Words& w) { Judge(WriteShot(Plain(w[0]))); }
@@ -536,7 +551,8 @@ void Interpreter::Destroy(const Words& w) {
 
 void Interpreter::Set(const Words& w) {
   VariablePath path;
-  if (!ParseVariable(w[1], path) || !VariableExists(path.name)) return Refuse("there is no variable \"" + w[1] + "\"");
+  if (!ParseVariable(w[1], path) || !VariableExists(path.name))
+    return Refuse("there is no variable \"" + w[1] + "\"");
   RValue written(Plain(w[2]));
   if (w[2][0] != '"') {
     double number = 0;

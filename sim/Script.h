@@ -18,7 +18,8 @@ struct ScriptOutput {
   std::ostream& errors; // what went wrong, with the line number
 };
 
-// A line in words; a word in double quotes keeps its blanks, \" and \\ stand for the signs. False when a quote is open.
+// A line in words; a word in double quotes keeps its blanks, \" and \\ stand for the signs. False when a
+// quote is open.
 bool SplitWords(std::string_view line, std::vector<std::string>& words);
 // A key's code: left, x, 7, f5, or a number of two or more digits; -1 for an unknown name.
 int KeyCode(std::string_view name);

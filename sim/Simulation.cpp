@@ -90,8 +90,28 @@ void Simulation::Step(int64_t frames) {
   }
 }
 
+namespace {
+
+// The key of a US keyboard that gives the character.
+int KeyOf(char character) {
+  struct Row {
+    std::string_view characters;
+    int key;
+  };
+  static constexpr Row kRows[] = {
+      {";:", 186}, {"=+", 187},  {",<", 188}, {"-_", 189},  {".>", 190}, {"/?", 191}, {"`~", 192},
+      {"[{", 219}, {"\\|", 220}, {"]}", 221}, {"'\"", 222}, {")", '0'},  {"!", '1'},  {"@", '2'},
+      {"#", '3'},  {"$", '4'},   {"%", '5'},  {"^", '6'},   {"&", '7'},  {"*", '8'},  {"(", '9'},
+  };
+  for (const Row& row : kRows)
+    if (row.characters.find(character) != std::string_view::npos) return row.key;
+  return character >= 'a' && character <= 'z' ? character - 'a' + 'A' : character;
+}
+
+} // namespace
+
 void Simulation::Type(char character) {
-  const int key = character >= 'a' && character <= 'z' ? character - 'a' + 'A' : character;
+  const int key = KeyOf(character);
   m_platform.messages.KeyAlone(key & 0xFF, true);
   m_platform.messages.Character(static_cast<unsigned char>(character));
   Step();
@@ -112,7 +132,8 @@ std::string Simulation::Play(const std::string& file, const std::string& section
   if (!problem.empty()) return "\"" + file + "\": " + problem;
   for (int frame = 0; frame < kMostOpeningFrames && Running() && FatalReport().empty(); ++frame) {
     Step();
-    if (Rooms().currentIndex == rm_template && InstancesOf(obj_tovinstart).empty() && !InstancesOf(obj_tovin).empty())
+    if (Rooms().currentIndex == rm_template && InstancesOf(obj_tovinstart).empty() &&
+        !InstancesOf(obj_tovin).empty())
       return "";
   }
   return FatalReport().empty() ? "\"" + file + "\": no hero appears" : FatalReport();

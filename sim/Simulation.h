@@ -35,8 +35,10 @@ public:
   void Step(int64_t frames = 1);
 
   // The starts that skip the logos; each gives "" or what is wrong.
-  std::string Play(const std::string& file, const std::string& section); // to the first frame of a hero that can move
-  std::string Edit(const std::string& file, const std::string& section); // to the editor, with no fade running
+  std::string Play(const std::string& file,
+                   const std::string& section); // to the first frame of a hero that can move
+  std::string Edit(const std::string& file,
+                   const std::string& section); // to the editor, with no fade running
   std::string New(const std::string& level);
   std::string Room(const std::string& name);
 

@@ -18,11 +18,11 @@ namespace vesk {
 namespace {
 
 constexpr int kRightButton = 2, kMiddleButton = 3;
-constexpr int kMinWidth = 24, kMinHeight = 14;       // cells
-constexpr int kMarginX = 160, kMarginY = 120;        // pixels that the view may go beyond the section
-constexpr int kEdge = 8;                             // pixels on each side of the view's edge that scroll
+constexpr int kMinWidth = 24, kMinHeight = 14; // cells
+constexpr int kMarginX = 160, kMarginY = 120;  // pixels that the view may go beyond the section
+constexpr int kEdge = 8;                       // pixels on each side of the view's edge that scroll
 constexpr int kMaxLight = 128;
-enum Over { kMap, kToolbar, kWindow };               // what the mouse is over
+enum Over { kMap, kToolbar, kWindow }; // what the mouse is over
 enum Repeat { kNoRepeat, kWaiting, kRepeating };
 
 struct Tool {
@@ -30,13 +30,20 @@ struct Tool {
   int window; // that it opens; -1 for an action
 };
 constexpr Tool kTools[] = {
-    {"Control", obj_ewindow_control},   {"Tiles", obj_ewindow_tile},
-    {"Item", obj_ewindow_item},         {"Block", obj_ewindow_block},
-    {"Enemy", obj_ewindow_enemy},       {"Warp", obj_ewindow_warp},
-    {"Modifier", obj_ewindow_modifier}, {"Music", obj_ewindow_music},
-    {"Background", obj_ewindow_background}, {"Sections", obj_ewindow_section},
-    {"Settings", obj_ewindow_settings}, {"Clear Selection", -1},
-    {"Save", -1},                       {"Play", -1},
+    {"Control", obj_ewindow_control},
+    {"Tiles", obj_ewindow_tile},
+    {"Item", obj_ewindow_item},
+    {"Block", obj_ewindow_block},
+    {"Enemy", obj_ewindow_enemy},
+    {"Warp", obj_ewindow_warp},
+    {"Modifier", obj_ewindow_modifier},
+    {"Music", obj_ewindow_music},
+    {"Background", obj_ewindow_background},
+    {"Sections", obj_ewindow_section},
+    {"Settings", obj_ewindow_settings},
+    {"Clear Selection", -1},
+    {"Save", -1},
+    {"Play", -1},
     {"Quit", obj_ewindow_quit},
 };
 
@@ -61,7 +68,8 @@ void Create(Self self) {
   global[rememberview][1] = 0;
   int at = 0;
   for (const Tool& tool : kTools) {
-    make_button(self, 13 + at * 24, 7, tool.label, tool.label, {spr_button, spr_editor_top_icons, at}, obj_button);
+    make_button(self, 13 + at * 24, 7, tool.label, tool.label, {spr_button, spr_editor_top_icons, at},
+                obj_button);
     ++at;
   }
 }
@@ -71,8 +79,7 @@ void RoomStart(Self self) {
   event_user(self, 2);
 }
 
-template <class Visit>
-void for_each_cell(Self self, const char* layer, Visit visit) {
+template <class Visit> void for_each_cell(Self self, const char* layer, Visit visit) {
   const int cells = ValueAsInt32(ds_map_find_value(self[section_data], layer));
   for (RValue key = ds_map_find_first(cells); !key.IsUndefined(); key = ds_map_find_next(cells, key))
     visit(ValueAsText(key), ValueAsText(ds_map_find_value(cells, key)));
@@ -94,7 +101,8 @@ void BuildSection(Self self) {
   self[music] = scr_gen_music(ValueAsText(ds_map_find_value(map, "MUSIC")));
   background_index[0] = scr_gen_background(ValueAsText(ds_map_find_value(map, "BACKGROUND")));
   event_user(self, 3);
-  for_each_cell(self, "TILES", [](const std::string& key, const std::string& v) { scr_gen_tile(key, v, kTileDepth); });
+  for_each_cell(self, "TILES",
+                [](const std::string& key, const std::string& v) { scr_gen_tile(key, v, kTileDepth); });
   for_each_cell(self, "TILES_BG",
                 [](const std::string& key, const std::string& v) { scr_gen_tile(key, v, kTileDepthBehind); });
   show_codes(self, "OBJECTS", obj_editor_object, scr_gen_object_editor);
@@ -130,13 +138,17 @@ void scroll_background(Self self) {
   const Real room_pixels = self[height] * kCellSize;
   if (background_height[0] < room_pixels && background_height[0] > view_hview[0])
     background_y[0] = view_yview[0] * (room_pixels - background_height[0]) / (room_pixels - view_hview[0]);
-  else background_y[0] = 0;
+  else
+    background_y[0] = 0;
 }
 
 void see_what_the_mouse_is_over(Self self) {
-  if (instance_exists(obj_editor_window)) self[ready] = kWindow;
-  else if (collision_rectangle(self, 10, 4, 374, 32, self.number(), false, false) != noone) self[ready] = kToolbar;
-  else self[ready] = kMap;
+  if (instance_exists(obj_editor_window))
+    self[ready] = kWindow;
+  else if (collision_rectangle(self, 10, 4, 374, 32, self.number(), false, false) != noone)
+    self[ready] = kToolbar;
+  else
+    self[ready] = kMap;
 }
 
 bool line_is_free(double x1, double y1, double x2, double y2) {
@@ -180,11 +192,13 @@ struct ResizeKey {
   int key;
   void (*resize)(Self);
 };
-constexpr ResizeKey kResizeKeys[] = {{kLeftKey, narrow}, {kRightKey, widen}, {kUpKey, lower}, {kDownKey, heighten}};
+constexpr ResizeKey kResizeKeys[] = {
+    {kLeftKey, narrow}, {kRightKey, widen}, {kUpKey, lower}, {kDownKey, heighten}};
 
 void resize_by_keys(Self self) {
   for (const ResizeKey& row : kResizeKeys)
-    if (keyboard_check_pressed(row.key) || (keyboard_check(row.key) && self[delay] == kRepeating)) row.resize(self);
+    if (keyboard_check_pressed(row.key) || (keyboard_check(row.key) && self[delay] == kRepeating))
+      row.resize(self);
 }
 
 bool near_edge(double position, double edge) { return position > edge - kEdge && position < edge + kEdge; }
@@ -221,7 +235,9 @@ void end_key_repeat(Self self) {
   }
 }
 
-double clamp_to(double value, double low, double high) { return value > high ? high : value < low ? low : value; }
+double clamp_to(double value, double low, double high) {
+  return value > high ? high : value < low ? low : value;
+}
 
 void keep_view_near_section(Self self) {
   view_xview[0] = clamp_to(view_xview[0], -kMarginX, self[width] * kCellSize + kMarginX - view_wview[0]);
@@ -294,9 +310,12 @@ void Toolbar(Self self) {
   end_choice();
   for (const Tool& tool : kTools)
     if (self[note] == tool.label && tool.window != -1) return open_window(tool);
-  if (self[note] == "Clear Selection") audio_play_sound(snd_magic, 0, false);
-  else if (self[note] == "Save") save();
-  else if (self[note] == "Play") test_play();
+  if (self[note] == "Clear Selection")
+    audio_play_sound(snd_magic, 0, false);
+  else if (self[note] == "Save")
+    save();
+  else if (self[note] == "Play")
+    test_play();
 }
 
 // ---- drawing ----
@@ -316,8 +335,8 @@ void draw_margins(Self self) {
   draw_set_colour(make_colour_rgb(48, 48, 48));
   const auto fill = [](double x1, double y1, double x2, double y2) {
     if (x1 <= x2 && y1 <= y2)
-      draw_rectangle(static_cast<float>(x1), static_cast<float>(y1), static_cast<float>(x2), static_cast<float>(y2),
-                     false);
+      draw_rectangle(static_cast<float>(x1), static_cast<float>(y1), static_cast<float>(x2),
+                     static_cast<float>(y2), false);
   };
   fill(left, top, -1, bottom);
   fill(section_right, top, right, bottom);
@@ -330,7 +349,8 @@ void draw_margins(Self self) {
 void Draw(Self self) {
   draw_hover(self);
   if (self[grid] == 1)
-    draw_background(bg_grid, floor(view_xview[0] / kCellSize) * kCellSize, floor(view_yview[0] / kCellSize) * kCellSize);
+    draw_background(bg_grid, floor(view_xview[0] / kCellSize) * kCellSize,
+                    floor(view_yview[0] / kCellSize) * kCellSize);
   draw_margins(self);
 }
 
@@ -341,7 +361,8 @@ void DrawGuiEnd(Self self) {
   if (!place_meeting(self, self[x], self[y], obj_button)) return;
   draw_set_font(global[font]);
   const std::string tip = self[text].text();
-  draw_text(min(self[x] + 8, view_wview[0] - 2 - string_width(tip)), self[y] + 8, tip);
+  if (!tip.empty())
+    draw_backed_text(min(self[x] + 8, view_wview[0] - 2 - string_width(tip)), self[y] + 8, tip, c_white);
 }
 
 void Shine(Self self) {
@@ -364,8 +385,8 @@ void WaterDraw(Self self) {
   draw_set_blend_mode(bm_max);
   for (int column = 0; column < columns; ++column)
     draw_sprite(self, self[sprite_index], self[image_index], static_cast<float>(column * kCellSize), self[y]);
-  draw_sprite_part_ext(self, self[sprite_index], 0, 0, 14, 1, 1, 0, self[y] + 16, static_cast<float>(columns * kCellSize),
-                       self[height] * kCellSize, c_white, 1);
+  draw_sprite_part_ext(self, self[sprite_index], 0, 0, 14, 1, 1, 0, self[y] + 16,
+                       static_cast<float>(columns * kCellSize), self[height] * kCellSize, c_white, 1);
   draw_set_blend_mode(bm_normal);
 }
 

@@ -10,8 +10,8 @@ namespace {
 
 constexpr int kLeftButton = 1;
 constexpr int kBackspace = 8;
-constexpr double kNameWidth = 178;                           // pixels of a name's box
-constexpr double kMessageWidth = 292, kMessageHeight = 54;   // pixels of a message box
+constexpr double kNameWidth = 178;                         // pixels of a name's box
+constexpr double kMessageWidth = 292, kMessageHeight = 54; // pixels of a message box
 constexpr double kPanelAlpha = 0.7;
 enum Frame { kIdle, kHovered, kPressed };
 
@@ -65,6 +65,9 @@ void draw_button(Self self, double left, double top) {
   if (self[image] != -1) draw_sprite(self, self[image], self[frame], left + 3, top + 3);
 }
 
+// All of it is in the GUI layer; without this the sprite would stand in the room as well.
+void DrawNothing(Self) {}
+
 void ButtonDrawGui(Self self) { draw_button(self, self[x], self[y]); }
 
 // Stands in the room, not in the view.
@@ -73,8 +76,10 @@ void FixedDrawGui(Self self) { draw_button(self, self[x] - view_xview[0], self[y
 void ToggleDrawGui(Self self) {
   draw_button(self, self[x], self[y]);
   draw_set_font(global[font]);
-  if (self[toggle] == 1) draw_text(self[x] + 14, self[y] + 7, "On");
-  else draw_text(self[x] + 12, self[y] + 7, "Off");
+  if (self[toggle] == 1)
+    draw_text(self[x] + 14, self[y] + 7, "On");
+  else
+    draw_text(self[x] + 12, self[y] + 7, "Off");
 }
 
 // ---- key reader ----
@@ -89,12 +94,15 @@ void tell_change(Self self) {
   with(self[notifyto], [](Self owner) { event_user(owner, 8); });
 }
 
-bool is_text_key(int key) { return (key >= 48 && key <= 90) || (key >= 186 && key <= 222) || key == kSpaceKey; }
+bool is_text_key(int key) {
+  return (key >= 48 && key <= 90) || (key >= 186 && key <= 222) || key == kSpaceKey;
+}
 
 bool fits(Self self, const std::string& longer, const std::string& typed) {
   draw_set_font(global[font]);
   switch (static_cast<int>(self[mode])) {
-  case kNames: return kRefusedInNames.find(typed) == std::string_view::npos && string_width(longer) < kNameWidth;
+  case kNames:
+    return kRefusedInNames.find(typed) == std::string_view::npos && string_width(longer) < kNameWidth;
   case kMessageText: {
     const std::string wrapped = string_make_width(longer, kMessageWidth);
     return string_height(wrapped) < kMessageHeight && string_width(wrapped) <= kMessageWidth;
@@ -153,6 +161,18 @@ Self make_key_reader(Self owner, ReaderMode reads) {
   return reader;
 }
 
+void draw_backed_text(double left, double top, const std::string& shown, int colour) {
+  draw_set_colour(c_black);
+  draw_set_alpha(0.7f);
+  draw_rectangle(static_cast<float>(left - 2), static_cast<float>(top - 1),
+                 static_cast<float>(left + string_width(shown)),
+                 static_cast<float>(top + string_height(shown)), false);
+  draw_set_alpha(1);
+  draw_set_colour(colour);
+  draw_text(static_cast<float>(left), static_cast<float>(top), shown);
+  draw_set_colour(c_white);
+}
+
 void refuse(Self owner, const std::string& why) {
   audio_play_sound(snd_wrong, 0, false);
   owner[error] = why;
@@ -170,6 +190,7 @@ std::string prompt(const std::string& typed, const std::string& refusal, const s
 const EventTable obj_button_events = {
     {ev_create, 0, ButtonCreate},
     {ev_step, ev_step_end, ButtonEndStep},
+    {ev_draw, ev_draw_normal, DrawNothing},
     {ev_draw, ev_gui, ButtonDrawGui},
 };
 const EventTable obj_button_fixed_events = {{ev_draw, ev_gui, FixedDrawGui}};

@@ -7,7 +7,8 @@
 
 namespace vesk {
 
-inline constexpr int kControlKey = 17, kAltKey = 18, kShiftKey = 16, kEnterKey = 13, kEscapeKey = 27, kSpaceKey = 32;
+inline constexpr int kControlKey = 17, kAltKey = 18, kShiftKey = 16, kEnterKey = 13, kEscapeKey = 27,
+                     kSpaceKey = 32;
 inline constexpr int kLeftKey = 37, kUpKey = 38, kRightKey = 39, kDownKey = 40;
 inline constexpr int kGold = 248 + 192 * 256 + 40 * 65536; // of prompts and refusals
 inline constexpr int kMusicPriority = 99;
@@ -17,8 +18,8 @@ inline constexpr std::string_view kRefusedInNames = "\\/:*?<>|"; // what a file 
 enum ReaderMode { kNames = 0, kAnyText = 1, kMessageText = 2 };
 
 struct ButtonLook {
-  int body;           // sprite of the body
-  int image = -1;     // icon; -1 none
+  int body;       // sprite of the body
+  int image = -1; // icon; -1 none
   int imageFrame = 0;
 };
 
@@ -30,6 +31,9 @@ void destroy_buttons_of(Self owner);
 
 // Reads typed text into its `words`; runs user event 8 of the owner after each change.
 Self make_key_reader(Self owner, ReaderMode mode);
+
+// Text in the present font on a dark backing, so that it can be read over anything.
+void draw_backed_text(double left, double top, const std::string& text, int colour);
 
 // Plays the sound of a refusal and keeps its words in `error` of the owner; they show while the sound plays.
 void refuse(Self owner, const std::string& words);

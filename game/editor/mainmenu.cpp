@@ -14,6 +14,8 @@ namespace {
 enum Mode { kBrowsing, kNaming };
 constexpr int kFirstRowTop = 36, kRowStep = 32; // room pixels
 constexpr int kEdge = 8;
+constexpr const char* kGone = "The level is gone!";
+constexpr const char* kDamaged = "This level is damaged!";
 constexpr double kNameRoom = 240; // pixels of a row's name
 
 std::string typed(Self menu) { return first(menu[readkeys])[words].text(); }
@@ -65,6 +67,7 @@ void RebuildList(Self self) {
 }
 
 void Typed(Self self) {
+  self[error] = "";
   view_yview[0] = 0;
   event_user(self, 1);
 }
@@ -108,16 +111,18 @@ void create_level(Self self) {
 
 void Notified(Self self) {
   const bool naming = self[mode] == kNaming;
-  if (self[note] == "NEW") naming ? stop_naming(self) : start_naming(self);
-  else naming ? create_level(self) : shuffle(self);
+  if (self[note] == "NEW")
+    naming ? stop_naming(self) : start_naming(self);
+  else
+    naming ? create_level(self) : shuffle(self);
 }
 
 // ---- scrolling ----
 
 bool more_below() {
   const double bottom = view_yview[0] + view_hview[0];
-  return collision_line(nullptr, 192, view_yview[0] + 192, 192, static_cast<float>(bottom), obj_mainmenu_level, false,
-                        false) != noone;
+  return collision_line(nullptr, 192, view_yview[0] + 192, 192, static_cast<float>(bottom),
+                        obj_mainmenu_level, false, false) != noone;
 }
 
 void EndStep(Self self) {
@@ -138,18 +143,38 @@ void EndStep(Self self) {
 
 void Draw(Self) { draw_background(bg_bonus, 0, view_yview[0]); }
 
-void DrawGui(Self self) {
+void draw_bar(Self self) {
   draw_sprite_ext(self, spr_editor_top, 0, 10, 4, 1, 1, 0, c_white, 0.7f);
   draw_sprite_ext(self, spr_box_level_filter, 0, 98, 7, 1, 1, 0, c_white, 0.7f);
 }
 
+void DrawGui(Self self) { draw_bar(self); }
+
+// Rows that have been scrolled under the bar must not shine through its labels.
+void cover_rows(Self self) {
+  if (view_yview[0] <= 0) return;
+  draw_set_colour(c_black);
+  draw_rectangle(0, 0, view_wview[0], kFirstRowTop - 2, false);
+  draw_set_colour(c_white);
+  draw_bar(self);
+}
+
+// A level that can't be opened is told even while a filter is typed.
+std::string refused_level(Self self) {
+  const bool refused = self[error] == kGone || self[error] == kDamaged;
+  return refused && audio_is_playing(snd_wrong) ? self[error].text() : "";
+}
+
 void DrawGuiEnd(Self self) {
   const bool naming = self[mode] == kNaming;
+  cover_rows(self);
   draw_set_font(global[font]);
   draw_text(naming ? 38 : 25, 14, naming ? "Cancel" : "New Level");
   draw_text(naming ? 312 : 302, 14, naming ? "Create" : "Randomize");
   draw_set_halign(fa_center);
-  draw_text(192, 14, prompt(typed(self), self[error].text(), naming ? "Type a level name!" : "Type to search!"));
+  draw_text(192, 14,
+            prompt(refused_level(self).empty() ? typed(self) : "", self[error].text(),
+                   naming ? "Type a level name!" : "Type to search!"));
   draw_set_halign(fa_left);
   draw_set_colour(c_white);
   draw_sprite(self, spr_target, -1, self[x] - view_xview[0], self[y] - view_yview[0]);
@@ -176,21 +201,18 @@ void RowDestroy(Self self) { destroy_buttons_of(self); }
 
 // "" or a refusal short enough for the menu's line; the console gets the whole story.
 std::string load_level(const std::string& level) {
-  if (!FS_file_exists("Level/" + level + ".json")) return "The level is gone!";
+  if (!FS_file_exists("Level/" + level + ".json")) return kGone;
   scr_level_load(level);
   const std::string problem = scr_level_problem();
   if (problem.empty()) return "";
   ReleaseConsole().Output("Level \"%s\": %s\n", level.c_str(), problem.c_str());
-  return "This level is damaged!";
+  return kDamaged;
 }
 
 // A damaged level is refused in the menu's own line; the menu stands.
 void RowNotified(Self self) {
   if (const std::string refusal = load_level(self[name].text()); !refusal.empty()) {
-    with(obj_mainmenu, [&](Self menu) {
-      refuse(menu, refusal);
-      clear_typed(menu); // the line shows what was typed before a refusal
-    });
+    with(obj_mainmenu, [&](Self menu) { refuse(menu, refusal); });
     return;
   }
   audio_stop_sound(Beat);
@@ -223,23 +245,14 @@ void RowDrawGuiEnd(Self self) {
 } // namespace
 
 const EventTable obj_mainmenu_events = {
-    {ev_create, 0, Create},
-    {ev_alarm, 0, Alarm_Music},
-    {ev_step, ev_step_end, EndStep},
-    {ev_other, ev_user(0), Notified},
-    {ev_other, ev_user(1), RebuildList},
-    {ev_other, ev_user(8), Typed},
-    {ev_draw, ev_draw_normal, Draw},
-    {ev_draw, ev_gui, DrawGui},
-    {ev_draw, ev_gui_end, DrawGuiEnd},
+    {ev_create, 0, Create},           {ev_alarm, 0, Alarm_Music},          {ev_step, ev_step_end, EndStep},
+    {ev_other, ev_user(0), Notified}, {ev_other, ev_user(1), RebuildList}, {ev_other, ev_user(8), Typed},
+    {ev_draw, ev_draw_normal, Draw},  {ev_draw, ev_gui, DrawGui},          {ev_draw, ev_gui_end, DrawGuiEnd},
 };
 
 const EventTable obj_mainmenu_level_events = {
-    {ev_create, 0, RowCreate},
-    {ev_destroy, 0, RowDestroy},
-    {ev_other, ev_user(0), RowNotified},
-    {ev_draw, ev_gui, RowDrawGui},
-    {ev_draw, ev_gui_end, RowDrawGuiEnd},
+    {ev_create, 0, RowCreate},     {ev_destroy, 0, RowDestroy},          {ev_other, ev_user(0), RowNotified},
+    {ev_draw, ev_gui, RowDrawGui}, {ev_draw, ev_gui_end, RowDrawGuiEnd},
 };
 
 } // namespace vesk

@@ -65,15 +65,13 @@ std::span<const Tab> tabs_of(Self window) {
 }
 const Tab& tab_of(Self window) { return tabs_of(window)[static_cast<size_t>(window[tab])]; }
 
-template <class Row>
-std::span<const Row> run_of(std::span<const Row> rows, const Tab& shown) {
+template <class Row> std::span<const Row> run_of(std::span<const Row> rows, const Tab& shown) {
   for (size_t at = 0; at < rows.size(); ++at)
     if (rows[at].code == shown.firstCode) return rows.subspan(at, static_cast<size_t>(shown.count));
   return {};
 }
 
-template <class Visit>
-void for_each_code(const Tab& shown, Visit visit) {
+template <class Visit> void for_each_code(const Tab& shown, Visit visit) {
   switch (shown.kind) {
   case Placing::kObject:
     for (const CatalogueRow& row : run_of(ObjectCatalogue(), shown)) visit(row.code);
@@ -156,7 +154,8 @@ void ModifierBuild(Self self) {
     return;
   }
   self[readmessage] = make_key_reader(self, kMessageText).number();
-  make_button(self, 13, 63, "TEXT:", "Text Modifier", {spr_button, spr_editor_modifier_icons, 35}, obj_button);
+  make_button(self, 13, 63, "TEXT:", "Text Modifier", {spr_button, spr_editor_modifier_icons, 35},
+              obj_button);
   make_button(self, 13, 87, "DESTINATION:", "Destination Marker", {spr_button, spr_editor_modifier_icons, 36},
               obj_button);
   self[image_index] = kTextFrame;
@@ -192,7 +191,8 @@ void ModifierDrawGui(Self self) {
   if (!on_text_page(self)) return;
   draw_sprite(self, spr_editor_messagebox, 0, 37, 63);
   const std::string typed = first(self[readmessage])[words].text();
-  draw_text(45, 69, prompt(typed.empty() ? "" : self[message_preview].text(), self[error].text(), "Type some text!"));
+  draw_text(45, 69,
+            prompt(typed.empty() ? "" : self[message_preview].text(), self[error].text(), "Type some text!"));
   draw_set_colour(c_white);
 }
 
@@ -243,7 +243,7 @@ void BackgroundNotified(Self self) {
 
 } // namespace
 
-#define PALETTE_EVENTS                                                                                              \
+#define PALETTE_EVENTS                                                                                       \
   { {ev_create, 0, Create}, {ev_other, ev_user(0), Notified}, {ev_other, ev_user(1), Build}, }
 
 const EventTable obj_ewindow_control_events = PALETTE_EVENTS;

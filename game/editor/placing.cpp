@@ -51,7 +51,8 @@ void ModifierCreate(Self self) {
 // Under the mouse the text takes the icon's place.
 bool shows_text(Self self) {
   const Self editor = first(obj_editor);
-  return !(self[cc_text] == "") && editor && editor[ready] == 0 && editor[xx] == self[x] && editor[yy] == self[y];
+  return !(self[cc_text] == "") && editor && editor[ready] == 0 && editor[xx] == self[x] &&
+         editor[yy] == self[y];
 }
 
 void ModifierDraw(Self self) {
@@ -61,9 +62,11 @@ void ModifierDraw(Self self) {
 void ModifierDrawGui(Self self) {
   if (!shows_text(self)) return;
   draw_set_font(global[font]);
-  draw_set_colour(self[image_blend]);
-  draw_text(self[x] - view_xview[0], self[y] - view_yview[0], self[cc_text]);
-  draw_set_colour(c_white);
+  const std::string shown = self[cc_text].text();
+  // Moved only as far as it would be cut off.
+  draw_backed_text(min(self[x] - view_xview[0], view_wview[0] - 2 - string_width(shown)),
+                   min(self[y] - view_yview[0], view_hview[0] - 2 - string_height(shown)), shown,
+                   self[image_blend]);
 }
 
 // ---- the light of a placeholder ----
@@ -74,8 +77,8 @@ void LightCreate(Self self) {
 }
 
 void LightShine(Self self) {
-  draw_sprite_ext(self, self[light_mask], 0, self[x] + 8 - view_xview[0], self[y] + 8 - view_yview[0], 1, 1, 0,
-                  self[light_color], 1);
+  draw_sprite_ext(self, self[light_mask], 0, self[x] + 8 - view_xview[0], self[y] + 8 - view_yview[0], 1, 1,
+                  0, self[light_color], 1);
 }
 
 // ---- cells ----
@@ -103,7 +106,8 @@ void remove_at(int object, Spot at) {
 
 constexpr std::array kPlaceholders = {obj_editor_object, obj_editor_modifier, obj_editor_marker};
 using Dress = void (*)(double, std::string);
-constexpr std::array<Dress, 3> kDress = {scr_gen_object_editor, scr_gen_modifier_editor, scr_gen_marker_editor};
+constexpr std::array<Dress, 3> kDress = {scr_gen_object_editor, scr_gen_modifier_editor,
+                                         scr_gen_marker_editor};
 
 void place_code(Self sticky, Spot at) {
   const auto kind = static_cast<size_t>(sticky[mode]);
@@ -177,7 +181,9 @@ void erase_spread(Self self, Spot from, std::span<const Spot> steps) {
   const RValue erased = ds_map_find_value(map, key_of(from));
   spread(
       from, steps,
-      [&](Spot cell) { return in_section(cell) && CompareValues(ds_map_find_value(map, key_of(cell)), erased, 0) == 0; },
+      [&](Spot cell) {
+        return in_section(cell) && CompareValues(ds_map_find_value(map, key_of(cell)), erased, 0) == 0;
+      },
       [&](Spot cell) { erase_tile(self, cell); });
 }
 
@@ -216,8 +222,10 @@ void StickyCreate(Self self) {
 
 // The click that chose must not place.
 void StickyAlarm_Release(Self self) {
-  if (mouse_check_button(kLeftButton)) self[alarm][0] = 1;
-  else self[ready] = 0;
+  if (mouse_check_button(kLeftButton))
+    self[alarm][0] = 1;
+  else
+    self[ready] = 0;
 }
 
 void StickyEndStep(Self self) {
@@ -229,9 +237,10 @@ void StickyEndStep(Self self) {
 void StickyDraw(Self self) {
   if (first(obj_editor)[ready] != 0 || mouse_check_button(kRightButton)) return;
   if (self[mode] == static_cast<int>(Placing::kTile))
-    draw_background_part(bg_tiles, self[tile_x], self[tile_y], self[mtt_x] * kCellSize, self[mtt_y] * kCellSize,
-                         self[x], self[y]);
-  else draw_look(self, self[x], self[y]);
+    draw_background_part(bg_tiles, self[tile_x], self[tile_y], self[mtt_x] * kCellSize,
+                         self[mtt_y] * kCellSize, self[x], self[y]);
+  else
+    draw_look(self, self[x], self[y]);
 }
 
 } // namespace
@@ -246,10 +255,8 @@ void erase_cell(int left, int top) {
     int depth;
   };
   constexpr Layer kInOrder[] = {
-      {"TILES", -1, kTileDepth},
-      {"TILES_BG", -1, kTileDepthBehind},
-      {"OBJECTS", obj_editor_object, 0},
-      {"MODIFIERS", obj_editor_modifier, 0},
+      {"TILES", -1, kTileDepth},         {"TILES_BG", -1, kTileDepthBehind},
+      {"OBJECTS", obj_editor_object, 0}, {"MODIFIERS", obj_editor_modifier, 0},
       {"MARKERS", obj_editor_marker, 0},
   };
   for (const Layer& layer : kInOrder) {
@@ -257,8 +264,10 @@ void erase_cell(int left, int top) {
     if (!ds_map_exists(cells, key_of(at))) continue;
     audio_play_sound(snd_click, 0, false);
     if (layer.object == -1)
-      tile_delete(tile_layer_find(static_cast<float>(layer.depth), static_cast<float>(left), static_cast<float>(top)));
-    else remove_at(layer.object, at);
+      tile_delete(tile_layer_find(static_cast<float>(layer.depth), static_cast<float>(left),
+                                  static_cast<float>(top)));
+    else
+      remove_at(layer.object, at);
     if (layer.object == obj_editor_object) remove_at(obj_editor_light, at);
     ds_map_delete(cells, key_of(at));
   }

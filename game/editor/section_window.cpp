@@ -44,7 +44,8 @@ void ListSections(Self self) {
   int at = 0;
   const int root = global[leveldata];
   for (RValue name = ds_map_find_first(root); !name.IsUndefined(); name = ds_map_find_next(root, name)) {
-    make_grid_button(self, at, kListTop, name.Text(), spr_editor_top_icons, name.Text() == kMainSection ? 13 : 9);
+    make_grid_button(self, at, kListTop, name.Text(), spr_editor_top_icons,
+                     name.Text() == kMainSection ? 13 : 9);
     ++at;
   }
   self[image_index] = 1 + (at - 1) / 15;
@@ -116,8 +117,9 @@ void DrawGui(Self self) {
 } // namespace
 
 const EventTable obj_ewindow_section_events = {
-    {ev_create, 0, Create},           {ev_destroy, 0, Destroy},             {ev_other, ev_user(0), Notified},
-    {ev_other, ev_user(1), ListSections}, {ev_draw, ev_gui, DrawGui},
+    {ev_create, 0, Create},           {ev_destroy, 0, Destroy},
+    {ev_other, ev_user(0), Notified}, {ev_other, ev_user(1), ListSections},
+    {ev_draw, ev_gui, DrawGui},
 };
 
 } // namespace vesk

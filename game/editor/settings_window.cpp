@@ -74,10 +74,14 @@ void set_water_colour(Self self, const char* colour) {
 void Notified(Self self) {
   event_inherited(self);
   const std::string colour = self[option][kWaterColour].text();
-  if (self[note] == "DARK") flip(self, kDarkness, "DARKNESS");
-  else if (self[note] == "RAIN") flip(self, kRain, "RAIN");
-  else if (self[note] == "WATER_DEC") change_water_level(self, -1);
-  else if (self[note] == "WATER_INC") change_water_level(self, 1);
+  if (self[note] == "DARK")
+    flip(self, kDarkness, "DARKNESS");
+  else if (self[note] == "RAIN")
+    flip(self, kRain, "RAIN");
+  else if (self[note] == "WATER_DEC")
+    change_water_level(self, -1);
+  else if (self[note] == "WATER_INC")
+    change_water_level(self, 1);
   else if (self[note] == "COLOR_DEC")
     set_water_colour(self, colour == "Blue" ? "Red" : colour == "Red" ? "Green" : "Blue");
   else if (self[note] == "COLOR_INC")
@@ -86,8 +90,10 @@ void Notified(Self self) {
 
 void draw_row(Self self, const Row& row) {
   draw_sprite(self, spr_button, 0, 13, row.top);
-  if (row.icon == -1) draw_background_part(bg_cave, 0, 0, 16, 16, 16, row.top + 3);
-  else draw_sprite(self, row.icon, 0, 16, row.top + 3);
+  if (row.icon == -1)
+    draw_background_part(bg_cave, 0, 0, 16, 16, 16, row.top + 3);
+  else
+    draw_sprite(self, row.icon, 0, 16, row.top + 3);
   draw_sprite(self, spr_editor_option, row.frame, 37, row.top);
   draw_text(45, row.top + 7, row.label);
 }

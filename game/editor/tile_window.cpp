@@ -19,9 +19,7 @@ struct Point {
   double x, y;
 };
 Point mouse_in_view() { return {mouse_x - view_xview[0], mouse_y - view_yview[0]}; }
-bool in_pane(Point p) {
-  return p.x > kPaneLeft && p.x < kPaneRight && p.y > kPaneTop && p.y < kPaneBottom;
-}
+bool in_pane(Point p) { return p.x > kPaneLeft && p.x < kPaneRight && p.y > kPaneTop && p.y < kPaneBottom; }
 
 void Create(Self self) {
   event_inherited(self);
@@ -105,12 +103,14 @@ void EndStep(Self self) {
 void DrawGui(Self self) {
   event_inherited(self);
   draw_sprite(self, spr_editor_tilemenu, 0, 13, 63);
-  draw_background_part(bg_tiles, self[x_offset], self[y_offset], kPaneWidth, kPaneHeight, kPaneLeft, kPaneTop);
+  draw_background_part(bg_tiles, self[x_offset], self[y_offset], kPaneWidth, kPaneHeight, kPaneLeft,
+                       kPaneTop);
   if (!in_pane(mouse_in_view())) return;
   const double left = kPaneLeft + self[xx] - self[x_offset], top = kPaneTop + self[yy] - self[y_offset];
   draw_set_colour(c_green);
   draw_set_alpha(0.4f);
-  draw_rectangle(max(left, kPaneLeft), max(top, kPaneTop), min(left + kCellSize * self[mtt_x] - 1, kPaneRight),
+  draw_rectangle(max(left, kPaneLeft), max(top, kPaneTop),
+                 min(left + kCellSize * self[mtt_x] - 1, kPaneRight),
                  min(top + kCellSize * self[mtt_y] - 1, kPaneBottom), false);
   draw_set_alpha(1);
   draw_set_colour(c_white);

@@ -38,6 +38,8 @@ const char* layer_of(Placing kind) {
   return "TILES";
 }
 
+void DrawNothing(Self) {} // the panel stands in the GUI layer alone
+
 } // namespace
 
 void window_create(Self self) {
@@ -47,7 +49,8 @@ void window_create(Self self) {
   self[tab] = 0;
   self[error] = "";
   self[image_speed] = 0;
-  make_button(self, kCloseLeft, kBarTop, "CLOSE", "Close", {spr_button, spr_editor_top_icons, 14}, obj_button);
+  make_button(self, kCloseLeft, kBarTop, "CLOSE", "Close", {spr_button, spr_editor_top_icons, 14},
+              obj_button);
 }
 
 void window_destroy(Self self) { destroy_buttons_of(self); }
@@ -66,8 +69,8 @@ void window_draw(Self self) {
 
 void make_tab_button(Self self, int at, int tabs, std::string_view said, std::string_view tooltip, int icon,
                      int iconFrame) {
-  make_button(self, kLastTabLeft - kTabStep * (tabs - 1 - at), kBarTop, std::string(said), std::string(tooltip),
-              {spr_button, icon, iconFrame}, obj_button);
+  make_button(self, kLastTabLeft - kTabStep * (tabs - 1 - at), kBarTop, std::string(said),
+              std::string(tooltip), {spr_button, icon, iconFrame}, obj_button);
 }
 
 void show_tab(Self self, int shown, std::string_view title) {
@@ -110,9 +113,8 @@ Self choose_tiles(int atlasLeft, int atlasTop, int columns, int rows, bool backg
 }
 
 const EventTable obj_editor_window_events = {
-    {ev_create, 0, window_create},
-    {ev_destroy, 0, window_destroy},
-    {ev_other, ev_user(0), window_notified},
+    {ev_create, 0, window_create},           {ev_destroy, 0, window_destroy},
+    {ev_other, ev_user(0), window_notified}, {ev_draw, ev_draw_normal, DrawNothing},
     {ev_draw, ev_gui, window_draw},
 };
 

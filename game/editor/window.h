@@ -14,8 +14,8 @@ void window_notified(Self window); // the sound of a click; closes on "CLOSE"
 void window_draw(Self window);
 
 // The tab buttons at the right end of the title bar. `at` counts from 0 of `tabs`.
-void make_tab_button(Self window, int at, int tabs, std::string_view notify, std::string_view tooltip, int icon,
-                     int iconFrame);
+void make_tab_button(Self window, int at, int tabs, std::string_view notify, std::string_view tooltip,
+                     int icon, int iconFrame);
 // Takes the content away and shows another tab; user event 1 builds it.
 void show_tab(Self window, int tab, std::string_view title);
 // A button of the content grid, counted from 0 along rows of fifteen.

@@ -1,5 +1,5 @@
-// The short-lived carriers of modifiers: each hands its value to what stands on its cell and ends. obj_cc_dest stays
-// as a named point for warps.
+// The short-lived carriers of modifiers: each hands its value to what stands on its cell and ends.
+// obj_cc_dest stays as a named point for warps.
 #include "Files/Function/Function_Data_Structures.h"
 #include "game/Game.h"
 #include "game/level/catalogue.h"
@@ -74,7 +74,8 @@ void GunMeetsPentagram(Self self, Other soldier) {
 
 // The spawner is made a cell below its code; a gun on the code's own cell reaches it too.
 void GunStep(Self self) {
-  const int below = collision_point(self, self[x] + kCell / 2, self[y] + kCell * 3 / 2, obj_security_spawner, false, true);
+  const int below =
+      collision_point(self, self[x] + kCell / 2, self[y] + kCell * 3 / 2, obj_security_spawner, false, true);
   if (below == noone) return;
   const Self spawner = first(below);
   if (self[x] == spawner[xstart] && self[y] + kCell == spawner[ystart]) GunMeetsSoldier(self, spawner);
@@ -155,7 +156,8 @@ void TextMeetsSensor(Self self, Other sensor) {
 
 // A door leads nowhere by itself; the point of change that it needs is what the text then meets.
 void TextMeetsDoor(Self self, Other door) {
-  if (!place_meeting(door, door[x], door[y], obj_postchange) && !place_meeting(door, door[x], door[y], obj_warproom))
+  if (!place_meeting(door, door[x], door[y], obj_postchange) &&
+      !place_meeting(door, door[x], door[y], obj_warproom))
     make(self[x], self[y], obj_postchange);
 }
 

@@ -1,5 +1,5 @@
-// obj_persistent: the one instance that lives through the whole run. Set-up, settings, fades between rooms, the final
-// picture, Alt commands. The translation of the gamepad stands in gamepad.cpp.
+// obj_persistent: the one instance that lives through the whole run. Set-up, settings, fades between rooms,
+// the final picture, Alt commands. The translation of the gamepad stands in gamepad.cpp.
 #include "Files/IO/Gamepad.h"
 #include "Files/Runner/Function_Runner.h"
 #include "game/Game.h"
@@ -54,7 +54,8 @@ void Create(Self self) {
 // The largest whole scale that leaves room on the display.
 int default_scale() {
   for (int scale = 4; scale > 2; --scale)
-    if (display_get_width() >= kViewWidth * scale && display_get_height() >= kViewHeight * scale) return scale;
+    if (display_get_width() >= kViewWidth * scale && display_get_height() >= kViewHeight * scale)
+      return scale;
   return 2;
 }
 
@@ -88,7 +89,8 @@ void GameStart(Self self) {
 void GameEnd(Self self) {
   if (self[depth] == kNoSettings) return;
   const double file = FS_file_text_open_write(kSettingsFile);
-  for (const Slot setting : {fullscreen, filter, vsync}) FS_file_text_write_string(file, self[setting].text());
+  for (const Slot setting : {fullscreen, filter, vsync})
+    FS_file_text_write_string(file, self[setting].text());
   FS_file_text_close(file);
 }
 

@@ -24,8 +24,10 @@ std::string load_for(const std::string& file, const std::string& wanted_section)
   std::string problem = scr_level_load_file(file);
   if (problem.empty() && !ds_map_exists(global[leveldata], wanted_section))
     problem = "The level has no section \"" + wanted_section + "\".";
-  if (problem.empty()) global[levelname] = name_of(file);
-  else room_goto(rm_mainmenu);
+  if (problem.empty())
+    global[levelname] = name_of(file);
+  else
+    room_goto(rm_mainmenu);
   return problem;
 }
 
