@@ -1,6 +1,6 @@
 #pragma once
-// The part of the OpenAL 1.1 interface that the runner needs, with the meanings, constants and error codes of
-// its specification. One device, one context, one listener. Every call takes the context's lock; any thread
+// The part of the OpenAL 1.1 interface that the runner needs, with its meanings, constants and error codes.
+// One device, one context, one listener. Every call takes the context's lock; any thread
 // may call. Without a context calls do nothing.
 #include <cstdint>
 #include <memory>

@@ -34,7 +34,7 @@ struct LoadedLibrary {
 };
 
 struct ExternalFunction {
-  std::shared_ptr<LoadedLibrary> library; // null once freed
+  std::shared_ptr<LoadedLibrary> module; // null once freed
   std::string name;
   void* entry = nullptr;
   bool decorated = false; // found under its stdcall name
@@ -56,7 +56,7 @@ bool SameName(std::string_view left, std::string_view right) {
 
 std::shared_ptr<LoadedLibrary> Load(const std::string& name) {
   for (const ExternalFunction& function : g_external.functions)
-    if (function.library && SameName(function.library->name, name)) return function.library;
+    if (function.module && SameName(function.module->name, name)) return function.module;
 
   auto library = std::make_shared<LoadedLibrary>();
   library->name = name;
@@ -94,7 +94,7 @@ void RegisterCallbacks(const LoadedLibrary& library) {
 
 bool IsLoaded(const std::shared_ptr<LoadedLibrary>& library) {
   return std::any_of(g_external.functions.begin(), g_external.functions.end(),
-                     [&](const ExternalFunction& function) { return function.library == library; });
+                     [&](const ExternalFunction& function) { return function.module == library; });
 }
 
 int32_t Define(const std::string& library, const std::string& name, bool stringResult,
@@ -113,20 +113,20 @@ int32_t Define(const std::string& library, const std::string& name, bool stringR
     return -1;
   }
   ExternalFunction function;
-  function.library = Load(library);
-  if (!function.library) return -1;
-  function.entry = function.library->Find(name);
+  function.module = Load(library);
+  if (!function.module) return -1;
+  function.entry = function.module->Find(name);
   if (!function.entry) {
     size_t size = 0;
     for (const bool isString : stringArguments) size += isString ? 4 : 8;
-    function.entry = function.library->Find("_" + name + "@" + std::to_string(size));
+    function.entry = function.module->Find("_" + name + "@" + std::to_string(size));
     function.decorated = function.entry != nullptr;
   }
   if (!function.entry) return -1;
   function.name = name;
   function.stringArguments = std::move(stringArguments);
   function.stringResult = stringResult;
-  if (!IsLoaded(function.library)) RegisterCallbacks(*function.library);
+  if (!IsLoaded(function.module)) RegisterCallbacks(*function.module);
   g_external.functions.push_back(std::move(function));
   return static_cast<int32_t>(g_external.functions.size()) - 1;
 }
@@ -197,8 +197,8 @@ int32_t External_FunctionCount() { return static_cast<int32_t>(g_external.functi
 int32_t External_LibraryCount() {
   std::vector<const LoadedLibrary*> seen;
   for (const ExternalFunction& function : g_external.functions)
-    if (function.library && std::find(seen.begin(), seen.end(), function.library.get()) == seen.end())
-      seen.push_back(function.library.get());
+    if (function.module && std::find(seen.begin(), seen.end(), function.module.get()) == seen.end())
+      seen.push_back(function.module.get());
   return static_cast<int32_t>(seen.size());
 }
 
@@ -226,7 +226,7 @@ RValue external_call(int32_t id, std::span<const RValue> args) {
   if (static_cast<size_t>(id) >= g_external.functions.size() || g_external.callsDisabled) return 0;
   // A copy: the library may define or free functions while it runs.
   const ExternalFunction function = g_external.functions[static_cast<size_t>(id)];
-  if (!function.library || args.size() != function.stringArguments.size()) return 0;
+  if (!function.module || args.size() != function.stringArguments.size()) return 0;
   std::array<Argument, kMaxArguments> arguments;
   for (size_t i = 0; i < args.size(); ++i) Fill(arguments[i], args[i], function.stringArguments[i]);
   if (!function.stringResult) return Call<double>(function, arguments.data());
@@ -236,7 +236,7 @@ RValue external_call(int32_t id, std::span<const RValue> args) {
 
 void external_free(std::string_view library) {
   for (ExternalFunction& function : g_external.functions)
-    if (function.library && SameName(function.library->name, library)) function.library.reset();
+    if (function.module && SameName(function.module->name, library)) function.module.reset();
 }
 
 } // namespace vesk
