@@ -26,6 +26,7 @@
 #include "Files/Function/Function_Audio.h"
 #include "game/AssetNames.h"
 #include "game/EventTable.h"
+#include "game/Numbers.h"
 #include "game/ObjectNames.h"
 #include "game/Variables.h"
 

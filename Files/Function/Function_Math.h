@@ -50,16 +50,20 @@ namespace detail {
 
 template <class T>
 concept GameNumber = std::is_arithmetic_v<T> || isGameValue<T>;
+// What is worked out from a variable compares as the variable does.
+template <class... T> using Result = std::conditional_t<(isGameValue<T> || ...), Real, double>;
 
 } // namespace detail
 
 template <detail::GameNumber First, detail::GameNumber... Rest>
-double min(const First& first, const Rest&... rest) {
-  return std::min({static_cast<double>(detail::Number(first)), static_cast<double>(detail::Number(rest))...});
+auto min(const First& first, const Rest&... rest) {
+  return detail::Result<First, Rest...>(
+      std::min({static_cast<double>(detail::Number(first)), static_cast<double>(detail::Number(rest))...}));
 }
 template <detail::GameNumber First, detail::GameNumber... Rest>
-double max(const First& first, const Rest&... rest) {
-  return std::max({static_cast<double>(detail::Number(first)), static_cast<double>(detail::Number(rest))...});
+auto max(const First& first, const Rest&... rest) {
+  return detail::Result<First, Rest...>(
+      std::max({static_cast<double>(detail::Number(first)), static_cast<double>(detail::Number(rest))...}));
 }
 template <detail::GameNumber... Values> double mean(const Values&... values) {
   if constexpr (sizeof...(Values) == 0)
