@@ -131,6 +131,47 @@ Solid Union(const std::vector<Solid>& solids) {
   return out;
 }
 
+Pieces::Pieces(const std::vector<std::string>& letters, int cellSize)
+    : cell_(cellSize), columns_(static_cast<int>(letters[0].size())), rows_(static_cast<int>(letters.size())),
+      piece_(static_cast<size_t>(columns_ * rows_), -1) {
+  const auto letter = [&](int c, int r) { return letters[static_cast<size_t>(r)][static_cast<size_t>(c)]; };
+  for (int r = 0; r < rows_; ++r)
+    for (int c = 0; c < columns_; ++c) {
+      if (piece_[static_cast<size_t>(r * columns_ + c)] >= 0) continue;
+      const int number = static_cast<int>(firstColumn_.size());
+      firstColumn_.push_back(c), firstRow_.push_back(r);
+      std::vector<std::pair<int, int>> open{{c, r}};
+      while (!open.empty()) {
+        const auto [u, v] = open.back();
+        open.pop_back();
+        if (u < 0 || v < 0 || u >= columns_ || v >= rows_ || letter(u, v) != letter(c, r)) continue;
+        int& here = piece_[static_cast<size_t>(v * columns_ + u)];
+        if (here >= 0) continue;
+        here = number;
+        if (letter(c, r) != '.') open.insert(open.end(), {{u + 1, v}, {u - 1, v}, {u, v + 1}, {u, v - 1}});
+      }
+    }
+}
+
+bool Pieces::Takes(int x, int y, int wanted) const {
+  const int here = At(x, y);
+  return (wanted == kAny || here == wanted) && (only < 0 || here < 0 || SetOf(here) == only);
+}
+
+int Pieces::SetOf(int number) const {
+  return (firstColumn_[static_cast<size_t>(number)] & 1) + 2 * (firstRow_[static_cast<size_t>(number)] & 1);
+}
+
+int Pieces::At(int x, int y) const {
+  const int c = x >= 0 ? x / cell_ : -1, r = y >= 0 ? y / cell_ : -1;
+  return c >= 0 && r >= 0 && c < columns_ && r < rows_ ? piece_[static_cast<size_t>(r * columns_ + c)] : -1;
+}
+
+Canvas::Within::Within(Canvas& canvas, double x, double y) : canvas_(canvas), before_(canvas.piece_) {
+  if (canvas.pieces && before_ == Pieces::kAny)
+    canvas.piece_ = canvas.pieces->At(static_cast<int>(std::floor(x)), static_cast<int>(std::floor(y)));
+}
+
 Canvas::Canvas(const Palette& palette, int width, int height)
     : clip{0, 0, width - 1, height - 1}, palette_(&palette), width_(width), height_(height),
       dots_(static_cast<size_t>(width) * static_cast<size_t>(height)), ink_(palette.Ramp("ink")) {}
@@ -144,10 +185,13 @@ Dot Canvas::At(int x, int y) const {
 void Canvas::Set(int x, int y, Dot dot) {
   if (wrap) x = (x % width_ + width_) % width_, y = (y % height_ + height_) % height_;
   if (x < 0 || y < 0 || x >= width_ || y >= height_ || !clip.Contains(x, y)) return;
+  if (pieces && !pieces->Takes(x, y, piece_)) return;
   dots_[static_cast<size_t>(y) * static_cast<size_t>(width_) + static_cast<size_t>(x)] = dot;
 }
 
 void Canvas::Draw(const Solid& solid, const Paint& paint) {
+  const Within within(*this, (solid.area.left + solid.area.right + 1) * .5,
+                      (solid.area.top + solid.area.bottom + 1) * .5);
   const Material* material = &kMaterials[0];
   for (const Material& m : kMaterials)
     if (paint.material == m.name) material = &m;
@@ -187,6 +231,7 @@ void Canvas::Draw(const Solid& solid, const Paint& paint) {
 }
 
 void Canvas::Line(double x0, double y0, double x1, double y1, Dot dot) {
+  const Within within(*this, (x0 + x1 + 1) * .5, (y0 + y1 + 1) * .5);
   const int n = std::max(1, static_cast<int>(std::ceil(std::max(std::abs(x1 - x0), std::abs(y1 - y0)))));
   for (int i = 0; i <= n; ++i)
     Set(static_cast<int>(std::floor(x0 + (x1 - x0) * i / n + .5)),
@@ -199,6 +244,7 @@ Colour Canvas::LineColour(int x, int y) const {
   constexpr int kSides[4][2] = {{0, 1}, {1, 0}, {0, -1}, {-1, 0}};
   for (const auto& side : kSides) {
     const Colour c = At(x + side[0], y + side[1]).colour;
+    if (Parted(x, y, x + side[0], y + side[1])) continue;
     if (c != kClear && !(c & kGrey)) return static_cast<Colour>(c / kStepsPerRamp * kStepsPerRamp);
   }
   return kClear;

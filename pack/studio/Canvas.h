@@ -56,6 +56,23 @@ struct Paint {
   uint8_t alpha = 255;
 };
 
+// The cells of a picture that belong together: neighbours of one letter are one piece, a dot is alone. What
+// is drawn stays in the piece where its middle lies.
+class Pieces {
+public:
+  static constexpr int kAny = -2;
+  int only = -1; // of four sets of pieces the one that is drawn; below 0 all are
+
+  Pieces(const std::vector<std::string>& letters, int cellSize);
+  int At(int x, int y) const;                 // number of the piece, -1 outside
+  bool Takes(int x, int y, int wanted) const; // wanted: a piece or kAny
+  int SetOf(int number) const;                // 0 to 3; neighbours are seldom in the same one
+
+private:
+  int cell_, columns_, rows_;
+  std::vector<int> piece_, firstColumn_, firstRow_; // of a cell; of a piece
+};
+
 class Canvas {
 public:
   Canvas(const Palette& palette, int width, int height);
@@ -64,6 +81,20 @@ public:
   int Height() const { return height_; }
   Area clip;
   bool wrap = false; // drawing beyond an edge comes in at the other one
+  const Pieces* pieces = nullptr;
+
+  // While it lives, drawing stays in the piece at that point; nothing happens on a canvas without pieces.
+  class Within {
+  public:
+    Within(Canvas& canvas, double x, double y);
+    ~Within() { canvas_.piece_ = before_; }
+    Within(const Within&) = delete;
+    Within& operator=(const Within&) = delete;
+
+  private:
+    Canvas& canvas_;
+    int before_;
+  };
 
   Dot At(int x, int y) const; // clear outside
   void Set(int x, int y, Dot dot);
@@ -94,7 +125,9 @@ private:
   int width_, height_;
   std::vector<Dot> dots_;
   int ink_;
+  int piece_ = Pieces::kAny;
 
+  bool Parted(int x, int y, int u, int v) const { return pieces && pieces->At(x, y) != pieces->At(u, v); }
   Colour LineColour(int x, int y) const;
   bool Solid_(int x, int y) const { return At(x, y).colour != kClear; }
 };

@@ -45,8 +45,9 @@ double Cells(Scope& scope, const double* a) {
   return next - near;
 }
 
-// The row where a sloped ground cell begins (1 to 6: gentle up low and high, gentle down high and low, steep up and
-// down) or ends (7 to 12: ceilings, gentle thick to the right, gentle thick to the left, steep right and left).
+// The row where a sloped ground cell begins (1 to 6: gentle up low and high, gentle down high and low, steep
+// up and down) or ends (7 to 12: ceilings, gentle thick to the right, gentle thick to the left, steep right
+// and left).
 double Surface(int shape, double column) {
   const double half = std::floor(column / 2);
   switch (shape) {
@@ -116,7 +117,8 @@ const Function kFunctions[] = {
      [](Scope& s, const double* a, size_t) {
        return double(s.palette->Step(static_cast<Colour>(a[0]), static_cast<int>(a[1])));
      }},
-    {"surface", 2, [](Scope&, const double* a, size_t) { return Surface(static_cast<int>(a[0]), std::floor(a[1])); }},
+    {"surface", 2,
+     [](Scope&, const double* a, size_t) { return Surface(static_cast<int>(a[0]), std::floor(a[1])); }},
     {"shade_of", 1, [](Scope&, const double* a, size_t) { return Modulo(a[0], kStepsPerRamp); }},
 };
 

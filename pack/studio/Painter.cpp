@@ -25,9 +25,15 @@ public:
   Painter(const Library& library, const Palette& palette, const std::vector<PictureSpec>& specs)
       : library_(library), palette_(palette), specs_(specs) {}
 
-  Canvas Frame(const PictureSpec& spec, int frame) {
+  Canvas Frame(const PictureSpec& spec, int frame, int onlySet = -1) {
     const Part* part = library_.Sprite(spec.name);
     Canvas canvas(palette_, spec.width, spec.height);
+    std::optional<Pieces> pieces;
+    if (!part->pieces.empty()) {
+      pieces.emplace(part->pieces, part->cellSize);
+      pieces->only = onlySet;
+      canvas.pieces = &*pieces;
+    }
     canvas.wrap = Has(part->passes, "wrap");
     if (!spec.boxByHand && !spec.background && !Has(part->passes, "free"))
       canvas.clip = {spec.boxLeft, spec.boxTop, spec.boxRight, spec.boxBottom};
@@ -40,6 +46,7 @@ public:
     RunPart(*part, slots, canvas, nullptr);
     canvas.clip = box;
     RunPasses(part->passes, canvas);
+    canvas.pieces = nullptr;
     return canvas;
   }
 
@@ -234,6 +241,7 @@ private:
     Canvas layer(palette_, run.canvas->Width(), run.canvas->Height());
     layer.wrap = run.canvas->wrap;
     layer.clip = run.canvas->clip;
+    layer.pieces = run.canvas->pieces;
     Canvas* const below = run.canvas;
     run.canvas = &layer;
     run.scope.canvas = &layer;
@@ -342,6 +350,11 @@ private:
       else if (o.name == "alpha")
         layer.Fade(Alpha(run, s));
     }
+    if (s.op == "layer") {
+      run.canvas->Stamp(layer, Whole(x), Whole(y), edge, under);
+      return;
+    }
+    const Canvas::Within within(*run.canvas, x + layer.Width() * .5, y + layer.Height() * .5);
     run.canvas->Stamp(layer, Whole(x), Whole(y), edge, under);
   }
 
@@ -407,6 +420,8 @@ private:
   }
 
   void DrawFlat(Run& run, const Solid& solid, Dot dot) {
+    const Canvas::Within within(*run.canvas, (solid.area.left + solid.area.right + 1) * .5,
+                                (solid.area.top + solid.area.bottom + 1) * .5);
     for (int y = solid.area.top; y <= solid.area.bottom; ++y)
       for (int x = solid.area.left; x <= solid.area.right; ++x)
         if (solid.At(x, y).inside) run.canvas->Set(x, y, dot);
@@ -417,6 +432,7 @@ private:
     const int w = Whole(Number(run, s, 2)), h = Whole(Number(run, s, 3));
     const Colour colour = ToColour(run, Number(run, s, 4));
     const uint8_t alpha = Alpha(run, s);
+    const Canvas::Within within(*run.canvas, x + w * .5, y + h * .5);
     for (int j = 0; j < h; ++j)
       for (int i = 0; i < w; ++i) {
         int by = 0;
@@ -487,10 +503,10 @@ private:
 } // namespace
 
 std::vector<Picture> PaintSprite(const Library& library, const Palette& palette, const PictureSpec& spec,
-                                 const std::vector<PictureSpec>& specs) {
+                                 const std::vector<PictureSpec>& specs, int onlySet) {
   std::vector<Picture> frames;
   for (int frame = 0; frame < spec.frames; ++frame) {
-    const Canvas canvas = Painter(library, palette, specs).Frame(spec, frame);
+    const Canvas canvas = Painter(library, palette, specs).Frame(spec, frame, onlySet);
     Picture picture{spec.width, spec.height, {}};
     for (int y = 0; y < spec.height; ++y)
       for (int x = 0; x < spec.width; ++x) {

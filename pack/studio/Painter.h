@@ -7,8 +7,9 @@
 
 namespace vesk::studio {
 
-// The frames of a sprite that has a source. Throws std::runtime_error with file and line.
+// The frames of a sprite that has a source, of its pieces only one of the four sets when onlySet is 0 to 3.
+// Throws std::runtime_error with file and line.
 std::vector<Picture> PaintSprite(const Library& library, const Palette& palette, const PictureSpec& spec,
-                                 const std::vector<PictureSpec>& specs);
+                                 const std::vector<PictureSpec>& specs, int onlySet = -1);
 
 } // namespace vesk::studio

@@ -62,8 +62,9 @@ constexpr Form kForms[] = {
 };
 constexpr const char* kPasses[] = {"outline",   "rim",  "glint", "bulge", "cylinder",
                                    "despeckle", "wrap", "free",  "flipx", "flipy"};
-constexpr const char* kWords[] = {"fx",    "fy",     "turn",   "dark",     "light",  "line",   "full",
-                                  "under", "inside", "parted", "darkened", "shadow", "narrow", "alpha", "solid"};
+constexpr const char* kWords[] = {"fx",       "fy",     "turn",   "dark",   "light",
+                                  "line",     "full",   "under",  "inside", "parted",
+                                  "darkened", "shadow", "narrow", "alpha",  "solid"};
 constexpr const char* kValues[] = {"mat",  "flat",  "bias",   "noise", "seed",  "rot",  "bevel",
                                    "bend", "alpha", "narrow", "dark",  "light", "wide", "scale"};
 
@@ -143,6 +144,7 @@ private:
   size_t at_ = 0;
   std::map<char, Colour> key_;
   std::map<std::string, int> slots_;
+  Part* pieces_ = nullptr; // the sprite being read, whose pieces may be told
 
   [[noreturn]] void Fail(const std::string& why) const {
     throw std::runtime_error("pictures/" + file_ + ":" + std::to_string(at_ + 1) + ": " + why);
@@ -256,6 +258,7 @@ private:
       part.parameters.push_back(parameter);
     }
     const std::string what = words[0] + " " + words[1];
+    pieces_ = part.sprite ? &part : nullptr;
     part.statements = ReadBlock(what, nullptr);
     part.slots = static_cast<int>(slots_.size()) + 1;
     auto& map = part.sprite ? library_.sprites_ : library_.parts_;
@@ -275,10 +278,32 @@ private:
         *stoppedAtElse = true;
         return list;
       }
-      list.push_back(ReadStatement(words));
+      if (words[0] == "pieces")
+        ReadPieces(words);
+      else
+        list.push_back(ReadStatement(words));
     }
     at_ = start;
     Fail(what + " has no end");
+  }
+
+  void ReadPieces(const std::vector<std::string>& words) {
+    if (!pieces_) Fail("only a sprite has pieces");
+    if (words.size() != 2) Fail("pieces takes the size of a cell");
+    pieces_->cellSize = static_cast<int>(Constant(words[1]));
+    if (pieces_->cellSize < 1) Fail("a cell is at least one pixel wide");
+    for (++at_;; ++at_) {
+      if (at_ >= lines_.size()) Fail("pieces has no end");
+      const auto row = Words(lines_[at_]);
+      if (row.size() != 1) Fail("a row of pieces is one word");
+      if (row[0] == "end") {
+        if (pieces_->pieces.empty()) Fail("pieces has no rows");
+        return;
+      }
+      if (!pieces_->pieces.empty() && row[0].size() != pieces_->pieces[0].size())
+        Fail("all rows of pieces are equally wide");
+      pieces_->pieces.push_back(row[0]);
+    }
   }
 
   Statement ReadStatement(const std::vector<std::string>& words) {

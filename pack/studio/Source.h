@@ -52,6 +52,8 @@ struct Part {
   std::vector<Parameter> parameters;
   std::vector<std::string> passes;
   std::vector<Statement> statements;
+  int cellSize = 0;                // of the map of pieces; 0 without one
+  std::vector<std::string> pieces; // rows of letters, a cell each
 };
 
 // Slots every part starts with.

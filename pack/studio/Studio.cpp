@@ -1,5 +1,6 @@
 #include "pack/studio/Studio.h"
 
+#include "pack/studio/Canvas.h"
 #include "pack/studio/Painter.h"
 
 #include <algorithm>
@@ -19,7 +20,7 @@ using namespace studio;
 namespace {
 
 // To be raised whenever the same source would give another picture.
-constexpr const char* kPainterVersion = "2";
+constexpr const char* kPainterVersion = "3";
 constexpr uint32_t kCacheMark = 0x43495056; // VPIC
 
 std::vector<PictureSpec> ReadTable(const std::filesystem::path& file, bool background) {
@@ -176,6 +177,19 @@ const std::vector<Picture>& Studio::Frames(const std::string& name) {
     WriteCache(impl_->CacheFile(*spec), frames);
   }
   return frames;
+}
+
+Picture Studio::DrawSetOfPieces(const std::string& name, int set, std::vector<int>& setOfCell) const {
+  const PictureSpec* spec = Find(name);
+  const Part* part = impl_->library.Sprite(name);
+  setOfCell.clear();
+  if (!spec || !part || part->pieces.empty()) return {};
+  const Pieces pieces(part->pieces, part->cellSize);
+  for (size_t r = 0; r < part->pieces.size(); ++r)
+    for (size_t c = 0; c < part->pieces[r].size(); ++c)
+      setOfCell.push_back(pieces.SetOf(
+          pieces.At(static_cast<int>(c) * part->cellSize, static_cast<int>(r) * part->cellSize)));
+  return PaintSprite(impl_->library, impl_->palette, *spec, impl_->specs, set).front();
 }
 
 std::vector<Picture> Studio::Placeholder(const PictureSpec& spec) const {

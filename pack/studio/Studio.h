@@ -49,6 +49,10 @@ public:
   // The reference stays valid as long as the Studio.
   const std::vector<Picture>& Frames(const std::string& name);
 
+  // The first frame of a picture that is cut into pieces, with only one of four sets of pieces drawn (0 to
+  // 3), and the set of each of its cells, row by row. Empty when the picture has no pieces.
+  Picture DrawSetOfPieces(const std::string& name, int set, std::vector<int>& setOfCell) const;
+
   // Frames as they should be for a picture without a source: its box drawn as a plainly marked dummy.
   std::vector<Picture> Placeholder(const PictureSpec& spec) const;
 

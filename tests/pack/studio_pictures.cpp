@@ -165,6 +165,28 @@ TEST(Pictures, AtlasCellsKeepTheirRoles) {
   EXPECT_EQ(cells, 1600);
 }
 
+// Drawn with only a quarter of the pieces at a time, every cell is the same: nothing reaches into a
+// neighbour.
+TEST(Pictures, AtlasPiecesKeepToThemselves) {
+  const Picture& whole = Tree().Frames("bg_tiles")[0];
+  int cells = 0;
+  for (int set = 0; set < 4; ++set) {
+    std::vector<int> setOfCell;
+    const Picture part = Tree().DrawSetOfPieces("bg_tiles", set, setOfCell);
+    ASSERT_EQ(setOfCell.size(), 1600u);
+    for (int cell = 0; cell < 1600; ++cell) {
+      if (setOfCell[static_cast<size_t>(cell)] != set) continue;
+      int differ = 0;
+      for (int y = cell / 40 * 16; y < cell / 40 * 16 + 16; ++y)
+        for (int x = cell % 40 * 16; x < cell % 40 * 16 + 16; ++x)
+          differ += At(whole, x, y) != At(part, x, y);
+      EXPECT_EQ(differ, 0) << "cell " << cell % 40 << "," << cell / 40;
+      ++cells;
+    }
+  }
+  EXPECT_EQ(cells, 1600);
+}
+
 // The step over the wrapped edge may be no larger than the largest one inside the picture.
 TEST(Pictures, BackdropsThatTileHaveNoSeam) {
   for (const PictureSpec& spec : Tree().Specs()) {

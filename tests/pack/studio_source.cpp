@@ -86,6 +86,33 @@ TEST(StudioSource, OutlineEndsOnTheBoxAndNothingPassesIt) {
   EXPECT_TRUE(studio.Differences("spr_a").empty());
 }
 
+// Without the map of pieces the outline of the left cell and the row that sticks out would reach the others.
+TEST(StudioSource, PiecesKeepToThemselves) {
+  Workshop shop;
+  const auto source = [](const std::string& pieces) {
+    return "key r=red.2\ngrid flag\nr\nend\nsprite bg_a\n" + pieces +
+           "  layer\n    rect 0 0 4 4 red.2\n    rect 5 1 6 2 red.2\n    outline\n  end\n"
+           "  rect 12 1 3 4 blue.2\n  put flag 0 4 full\nend\n";
+  };
+  shop.Write("pictures/bg.art", source("  pieces 4\n    .aa.\n    ....\n  end\n"));
+  Studio parted(shop.folder);
+  const Picture& p = parted.Frames("bg_a")[0];
+  EXPECT_EQ(At(p, 3, 3), kRed2);
+  EXPECT_EQ(At(p, 4, 0), 0u); // not the outline of the first cell
+  EXPECT_EQ(At(p, 4, 1), kRed0);
+  EXPECT_EQ(At(p, 8, 0), kRed0); // a piece of two cells is one
+  EXPECT_EQ(At(p, 1, 4), kRed0);
+  EXPECT_EQ(At(p, 0, 3), kRed2); // not the line round the flag
+  EXPECT_EQ(At(p, 12, 3), kBlue2);
+  EXPECT_EQ(At(p, 12, 4), 0u);
+  shop.Write("pictures/bg.art", source(""));
+  Studio open(shop.folder);
+  const Picture& q = open.Frames("bg_a")[0];
+  EXPECT_EQ(At(q, 4, 0), kRed0);
+  EXPECT_EQ(At(q, 0, 3), kRed0);
+  EXPECT_EQ(At(q, 12, 4), kBlue2);
+}
+
 TEST(StudioSource, DifferencesAreSaidInWords) {
   Workshop shop;
   shop.Write("pictures/a.art", "sprite spr_a\n  rect 0 0 7 8 red.2\nend\n");
@@ -112,6 +139,10 @@ TEST(StudioSource, MistakesNameFileLineAndCause) {
       {"sprite spr_a\n  px red.2 3\nend\n", "pictures/a.art:2: px takes 1 values, not 2"},
       {"sprite spr_a\n  line 0 0 (1 1 red.2\nend\n", "pictures/a.art:2: can't read \"(1\""},
       {"sprite spr_a\n  for i 0 3 0\n  end\nend\n", "pictures/a.art:2: spr_a: a step of 0 never ends"},
+      {"sprite spr_a\n  pieces 4\n    ab\n    a\n  end\nend\n",
+       "pictures/a.art:4: all rows of pieces are equally wide"},
+      {"part p\n  pieces 4\n    a\n  end\nend\n", "pictures/a.art:2: only a sprite has pieces"},
+      {"sprite spr_a\n  pieces 4\n  end\nend\n", "pictures/a.art:3: pieces has no rows"},
       {"use b\nsprite spr_a\nend\n", "pictures/a.art: uses b.art, which isn't there"},
   };
   for (const auto& [source, message] : cases) {
