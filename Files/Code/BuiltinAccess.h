@@ -20,7 +20,7 @@ struct GameVariables {
   double lives = -1;
   double health = 100;
   bool showScore = true, showLives = false, showHealth = false;
-  std::string captionScore = "score: ", captionLives = "lives: ", captionHealth = "health: ";
+  std::string captionScore = "Score: '", captionLives = "Lives: ", captionHealth = "Health: ";
   int32_t transitionKind = 0, transitionSteps = 80;
   int32_t fontTexturePageSize = 1024;
   bool debugMode = false;

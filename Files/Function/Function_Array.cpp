@@ -63,7 +63,6 @@ RValue ArrayCreateOf(Args arguments) {
 
 // array_copy(dest, first place in dest, source, first place in source, length)
 void ArrayCopy(Args arguments) {
-  if (arguments.size() < 5) return;
   RValue* args = arguments.data();
   if (!IsArrayArgument(args[0], "array_copy") || !IsArrayArgument(args[2], "array_copy")) return;
   const int32_t to = ArgAsInt32(args, 1), from = ArgAsInt32(args, 3);
@@ -118,7 +117,7 @@ constexpr BuiltinRow kBuiltins[] = {
     Builtin<&ArraySet>("array_set"),
     Builtin<&array_equals>("array_equals"),
     Builtin<&ArrayCreateOf>("array_create"),
-    Builtin<&ArrayCopy>("array_copy"),
+    {"array_copy", Builtin<&ArrayCopy>("array_copy").function, 5},
 };
 
 } // namespace

@@ -68,6 +68,8 @@ void VirtualKeys_Update() {
   input.touchedKeys = touched;
 }
 
+void VirtualKeys_ForgetTouches() { Input().touchedKeys.fill(false); }
+
 int32_t virtual_key_add(int32_t x, int32_t y, int32_t width, int32_t height, int32_t key) {
   for (VirtualKey& slot : Input().virtualKeys) {
     if (slot.inUse) continue;

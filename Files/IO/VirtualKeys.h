@@ -7,4 +7,7 @@ void VirtualKeys_Init();
 // Once a frame, behind the gamepads.
 void VirtualKeys_Update();
 
+// No key counts as touched before: a room ends.
+void VirtualKeys_ForgetTouches();
+
 } // namespace vesk

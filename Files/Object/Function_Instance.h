@@ -70,5 +70,8 @@ void object_set_visible(int32_t object, bool visible);
 void object_set_depth(int32_t object, int32_t depth);
 void object_set_persistent(int32_t object, bool persistent);
 void object_set_mask(int32_t object, int32_t mask);
+// Negative: none. Handlers are found through it at once; searches and passes follow at the next clean-up. An
+// object that is missing or descends from this one is an error report, and nothing changes.
+void object_set_parent(int32_t object, int32_t parent);
 
 } // namespace vesk

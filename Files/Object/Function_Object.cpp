@@ -1,7 +1,9 @@
 // Built-ins that read and write objects.
+#include "Files/Base/Error.h"
 #include "Files/Function/Function.h"
 #include "Files/Object/Function_Instance.h"
 #include "Files/Object/Object.h"
+#include "Files/Run/Run_Events.h"
 
 namespace vesk {
 
@@ -59,6 +61,26 @@ void object_set_mask(int32_t index, int32_t mask) {
   if (CObjectFb* object = Object_Find(index)) object->maskIndex = mask;
 }
 
+// The new parent counts for handlers at once. The lists of instances and the lists of dispatch, which passes
+// walk right now, follow at the next clean-up.
+void object_set_parent(int32_t index, int32_t parent) {
+  CObjectFb* object = Object_Find(index);
+  if (!object) return;
+  CObjectFb* found = Object_Find(parent);
+  if (parent >= 0 && !found) {
+    ReportError("Setting the parent of %s to a non-existing object: %d", object->name.c_str(), parent);
+    return;
+  }
+  if (found && (found == object || found->IsDescendantOf(index))) {
+    ReportError("%s can't be the parent of %s, which it descends from", found->name.c_str(),
+                object->name.c_str());
+    return;
+  }
+  object->parentIndex = parent;
+  object->parent = found;
+  Run().movedObjects.push_back(index);
+}
+
 void Function_AddObject() {
   static constexpr BuiltinRow kBuiltins[] = {
       Builtin<&object_exists>("object_exists"),
@@ -77,6 +99,7 @@ void Function_AddObject() {
       Builtin<&object_set_depth>("object_set_depth"),
       Builtin<&object_set_persistent>("object_set_persistent"),
       Builtin<&object_set_mask>("object_set_mask"),
+      Builtin<&object_set_parent>("object_set_parent"),
   };
   Function_Add(kBuiltins);
 }

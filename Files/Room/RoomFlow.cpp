@@ -152,7 +152,6 @@ void Room_Start(int32_t index, bool first) {
     rooms.current = running.get();
   }
   CRoom& room = *rooms.current;
-  if (services.viewsChanged) services.viewsChanged();
 
   for (const auto& saved : rooms.carried) PlaceCarried(room, *saved);
   rooms.carried.clear();

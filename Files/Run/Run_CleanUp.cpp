@@ -62,6 +62,29 @@ void ApplyDepths(RunState& run, CRoom& room) {
   run.resortList.clear();
 }
 
+// The instances of objects with another ancestry leave all lists and enter those of their new ancestors, at
+// the tails and in their order.
+void ApplyParents(RunState& run) {
+  const auto isMoved = [&run](const CObjectFb& object) {
+    return std::any_of(run.movedObjects.begin(), run.movedObjects.end(), [&object](int32_t moved) {
+      return object.objectIndex == moved || object.IsDescendantOf(moved);
+    });
+  };
+  std::vector<CInstance*> instances;
+  for (const auto& object : Objects().table) {
+    if (!object || !isMoved(*object)) continue;
+    instances.clear();
+    for (InstanceList::Node* node = object->instances.head; node; node = node->next)
+      instances.push_back(node->instance);
+    for (CInstance* it : instances) {
+      object->RemoveInstance(it);
+      object->AddInstance(it);
+    }
+  }
+  run.movedObjects.clear();
+  BuildEventLists();
+}
+
 void Note(std::vector<CInstance*>& list, bool InstancePlaces::*isListed, CInstance* instance) {
   if (instance->*isListed) return;
   instance->*isListed = true;
@@ -97,6 +120,7 @@ void ForgetPending(CInstance* instance) {
 
 void CleanUpInstances() {
   RunState& run = Run();
+  if (!run.movedObjects.empty()) ApplyParents(run);
   CRoom* room = CurrentRoom();
   if (!room) return;
   if (!run.deactivationList.empty()) ApplyDeactivations(run, *room);

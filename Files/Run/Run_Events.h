@@ -24,6 +24,7 @@ struct RunState {
   std::vector<CInstance*> deactivationList; // their deactivated flag changed
   std::vector<CInstance*> markedList;       // destroyed since the last removal
   std::vector<CInstance*> waking, sleeping; // scratch of the clean-up
+  std::vector<int32_t> movedObjects;        // got another parent; their lists are stale
   bool automaticDrawing = true;             // draw_enable_drawevent
   bool resizePending = false;               // set by the window, consumed by the next frame body
 };

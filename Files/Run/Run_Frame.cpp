@@ -6,6 +6,7 @@
 #include "Files/Graphics/Graphics.h"
 #include "Files/IO/Gamepad.h"
 #include "Files/IO/IO.h"
+#include "Files/IO/VirtualKeys.h"
 #include "Files/Object/EventTypes.h"
 #include "Files/Object/Object.h"
 #include "Files/Room/Room.h"
@@ -125,6 +126,7 @@ void Run_ConnectServices() {
   services.frozen = &Frozen;
   services.drawScreen = &DrawScreen;
   services.clearInput = &IO_Clear;
+  services.resetVirtualKeys = &VirtualKeys_ForgetTouches;
   services.mark = &Profiler_Mark;
   Async_OnDone(&ds_map_destroy);
   Gamepads().announce = &AnnouncePad;

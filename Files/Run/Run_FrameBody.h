@@ -26,7 +26,6 @@ struct FrameServices {
   void (*drawScreen)() = nullptr;          // the draw pass
   void (*clearInput)() = nullptr;          // at the start of a game
   void (*roomReady)(bool first) = nullptr; // all instances are made, the room-start event has not run
-  void (*viewsChanged)() = nullptr;        // a room begins: window and application surface sizes
   void (*resetVirtualKeys)() = nullptr;    // a room ends
   void (*mark)(const char* name) =
       nullptr; // profile marks: "Garbage Collector", "IO&Kelda", "Update", "Draw", "Scroll"

@@ -225,7 +225,9 @@ bool Runner_Open() {
     return false;
   }
   Platform_Get().window->Focus();
-  if (Rooms().request <= RoomRequestEndGame) Loop().running = false; // ended in its first room
+  const int32_t request = Rooms().request;
+  if (request == RoomRequestEndGame || request == RoomRequestAbortGame)
+    Loop().running = false; // ended in its first room
   return Loop().running;
 }
 

@@ -1,4 +1,6 @@
 // Builds the data container from the sources in assets/ and looks into containers.
+#include "Files/Function/Function.h"
+#include "Files/Runner/BuiltinCatalogue.h"
 #include "apps/vesk-pack/GameRecords.h"
 #include "pack/AssetFolder.h"
 #include "pack/Inspect.h"
@@ -19,7 +21,7 @@ using namespace vesk;
 struct Arguments {
   std::string assets = "assets", cache, output, file, prefix;
   int scale = 4;
-  bool placeholders = false;
+  bool placeholders = false, builtins = false;
 };
 
 // Appears whole or not at all.
@@ -62,7 +64,17 @@ ContainerRecords Records(const ContainerView& view, const std::string& file) {
   return records;
 }
 
+int ListBuiltins() {
+  Builtin_RegisterAll();
+  std::fputs(Builtin_List().c_str(), stdout);
+  const std::vector<std::string> findings = Builtin_Check();
+  for (const std::string& finding : findings) std::fprintf(stderr, "%s\n", finding.c_str());
+  Function_Reset();
+  return findings.empty() ? 0 : 1;
+}
+
 int List(const Arguments& arguments) {
+  if (arguments.builtins) return ListBuiltins();
   if (arguments.placeholders) {
     for (const std::string& name : pack::Placeholders(arguments.assets)) std::printf("%s\n", name.c_str());
     return 0;
@@ -120,6 +132,8 @@ int main(int argc, char** argv) {
   list->add_option("file", arguments.file, "Container to list")->default_val("build/data.win");
   list->add_flag("--placeholders", arguments.placeholders,
                  "Print the names of pictures and sounds that have no source yet");
+  list->add_flag("--builtins", arguments.builtins,
+                 "Print the built-in functions: family, name, arguments, implemented or not");
 
   CLI::App* extract = app.add_subcommand("extract", "Take a container apart: PNG, Ogg and text files");
   extract->add_option("file", arguments.file, "Container to take apart")->required();

@@ -3,6 +3,7 @@
 #include "Files/Object/Function_Instance.h"
 #include "Files/Run/Run_Events.h"
 #include "tests/runner/SmallGame.h"
+#include "tests/runner/code_Report.h"
 
 #include <gtest/gtest.h>
 
@@ -12,6 +13,8 @@ namespace vesk::test {
 namespace {
 
 const SmallGame::Event kNothing = [](Self, Self) {};
+
+using Ids = std::vector<int32_t>;
 
 std::vector<int32_t> ListOf(const InstanceList& list) {
   std::vector<int32_t> ids;
@@ -120,7 +123,6 @@ TEST(ObjectLists, AnInstanceStandsUnderItsObjectAndAllAncestors) {
   game.Start();
   const int32_t a = instance_create(0, 0, child), b = instance_create(0, 0, top),
                 c = instance_create(0, 0, middle), d = instance_create(0, 0, child);
-  using Ids = std::vector<int32_t>;
   EXPECT_EQ(ListOf(Object_Find(child)->instances), (Ids{a, d}));
   EXPECT_EQ(ListOf(Object_Find(middle)->instances), (Ids{c}));
   EXPECT_EQ(ListOf(Object_Find(middle)->instancesRecursive), (Ids{a, c, d}));
@@ -132,6 +134,40 @@ TEST(ObjectLists, AnInstanceStandsUnderItsObjectAndAllAncestors) {
   EXPECT_EQ(ListOf(Object_Find(top)->instancesRecursive), (Ids{b, d}));
   EXPECT_EQ(Instance_Find(a), nullptr);
   EXPECT_EQ(ListOf(Object_Find(child)->instances), (Ids{d}));
+}
+
+// Set from inside a step: the pass goes on over the old lists, the next one sees the new ancestry.
+TEST(ObjectLists, AParentSetAtRunTimeGivesItsEventsAndTakesTheInstances) {
+  SmallGame game;
+  const int32_t walker = game.Object("walker"), flyer = game.Object("flyer");
+  const int32_t child = game.Object("child", {.parent = walker}),
+                grandchild = game.Object("g", {.parent = child});
+  game.On(walker, ev_step, ev_step_normal, [](Self, Self) { Log("walk"); });
+  game.On(flyer, ev_step, ev_step_end, [](Self, Self) { Log("fly"); });
+  game.On(child, ev_step, ev_step_begin, [=](Self, Self) {
+    if (object_get_parent(child) == walker) object_set_parent(child, flyer);
+  });
+  game.Start();
+  const int32_t a = instance_create(0, 0, grandchild), b = instance_create(0, 0, child);
+  EXPECT_EQ(instance_number(walker), 2);
+  game.Step();
+  EXPECT_EQ(Events(), "fly fly");
+  EXPECT_EQ(instance_number(walker), 0);
+  EXPECT_EQ(ListOf(Object_Find(flyer)->instancesRecursive), (Ids{b, a}));
+  EXPECT_TRUE(object_is_ancestor(grandchild, flyer));
+
+  const Report circle = ReportOf([&] { object_set_parent(flyer, grandchild); });
+  EXPECT_TRUE(circle.Says("g can't be the parent of flyer, which it descends from")) << circle.text;
+  EXPECT_FALSE(ReportOf([&] { object_set_parent(flyer, 99); }).text.empty());
+  object_set_parent(child, -100);
+  CleanUpInstances();
+  EXPECT_EQ(instance_number(flyer), 0);
+  EXPECT_EQ(instance_number(child), 2);
+  game.Step();
+  EXPECT_EQ(Events(), "");
+  instance_destroy(a);
+  RemoveMarked();
+  EXPECT_EQ(ListOf(Object_Find(child)->instancesRecursive), (Ids{b}));
 }
 
 TEST(ObjectLists, ObjectBuiltins) {
