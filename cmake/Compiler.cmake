@@ -8,6 +8,7 @@ set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 # Positions and speeds are 32-bit by design and every rounding counts: no contraction, no x87, no fast math.
 add_compile_options(-ffp-contract=off)
 set(CMAKE_CXX_FLAGS_RELEASE "-O2 -g1")
+set(CMAKE_CXX_FLAGS_RELWITHDEBINFO "-O1 -g1") # of the sanitizers: quick to build, lines in reports
 set(VESK_WARNINGS -Wall -Wextra -Wpedantic -Wconversion -Wno-sign-conversion -Wshadow=local -Wnon-virtual-dtor
                   -Woverloaded-virtual -Wimplicit-fallthrough -Werror)
 if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
@@ -20,7 +21,8 @@ if(VESK_SANITIZE)
   add_link_options(-fsanitize=${VESK_SANITIZE})
 endif()
 
+# Paths below the source folder are kept relative, so that every checkout shares the cache.
 find_program(CCACHE ccache)
 if(CCACHE)
-  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env CCACHE_BASEDIR=${CMAKE_SOURCE_DIR} CCACHE_NOHASHDIR=1 ${CCACHE})
 endif()
