@@ -4,6 +4,7 @@
 #include "Files/Object/Function_Instance.h"
 #include "Files/Object/Object.h"
 #include "Files/Room/Room.h"
+#include "Files/Sound/Audio_Main.h"
 #include "game/level/level_build.h"
 #include "game/text.h"
 #include "sim/Expression.h"
@@ -210,6 +211,7 @@ private:
   void CountCommand(const Words& w);
   void Tiles(const Words& w);
   void Checksum(const Words& w);
+  void Sounds(const Words& w);
   void Draws(const Words& w);
   void Shot(const Words& w);
   void Expect(const Words& w);
@@ -252,6 +254,7 @@ const Interpreter::Command Interpreter::kCommands[] = {
     {"count", 1, kAny, &Interpreter::CountCommand, "count OBJECT…"},
     {"tiles", 1, 1, &Interpreter::Tiles, "tiles DEPTH"},
     {"checksum", 0, 0, &Interpreter::Checksum, "checksum"},
+    {"sounds", 0, 0, &Interpreter::Sounds, "sounds"},
     {"draws", 0, 0, &Interpreter::Draws, "draws"},
     {"shot", 1, 1, &Interpreter::Shot, "shot FILE.png"},
     {"expect", 3, 3, &Interpreter::Expect, "expect TERM OP TERM"},
@@ -517,6 +520,16 @@ void Interpreter::Checksum(const Words&) {
   char digits[17];
   std::snprintf(digits, sizeof digits, "%016llx", static_cast<unsigned long long>(WorldChecksum()));
   m_output.lines << FrameField() << ",\"checksum\":\"" << digits << "\"}\n";
+}
+
+void Interpreter::Sounds(const Words&) {
+  const auto list = [](const std::vector<std::string>& names) {
+    std::string text;
+    for (const std::string& name : names) text += (text.empty() ? "" : ",") + JsonText(name);
+    return "[" + text + "]";
+  };
+  m_output.lines << FrameField() << ",\"playing\":" << list(Audio_Playing())
+                 << ",\"started\":" << list(Audio_TakeStarted()) << "}\n";
 }
 
 void Interpreter::Draws(const Words&) {

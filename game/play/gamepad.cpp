@@ -25,8 +25,9 @@ struct ButtonKey {
   bool inPlayOnly;
 };
 constexpr ButtonKey kButtonKeys[] = {
-    {gp_padu, 38, false}, {gp_padd, 40, false},  {gp_padl, 37, false},  {gp_padr, 39, false}, {gp_start, 13, false},
-    {gp_face1, 88, true}, {gp_face2, 17, true},  {gp_face3, 90, true},  {gp_face4, 32, true},
+    {gp_padu, 38, false}, {gp_padd, 40, false},  {gp_padl, 37, false},
+    {gp_padr, 39, false}, {gp_start, 13, false}, {gp_face1, 88, true},
+    {gp_face2, 17, true}, {gp_face3, 90, true},  {gp_face4, 32, true},
 };
 
 } // namespace
@@ -49,6 +50,12 @@ void translate_gamepad(Self controller) {
     if (gamepad_button_check_pressed(kPad, row.button)) keyboard_key_press(row.key);
     if (gamepad_button_check_released(kPad, row.button)) keyboard_key_release(row.key);
   }
+}
+
+void catch_up_with_gamepad(Self controller) {
+  if (!(controller[gamepad] > 0.5)) return;
+  for (const ButtonKey& row : kButtonKeys)
+    if (gamepad_button_check_released(kPad, row.button)) keyboard_key_release(row.key);
 }
 
 } // namespace vesk

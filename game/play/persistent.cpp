@@ -163,6 +163,7 @@ void RoomEnd(Self self) {
 }
 
 void RoomStart(Self self) {
+  catch_up_with_gamepad(self);
   if (self[mode] == 1) event_user(self, 0);
 }
 
