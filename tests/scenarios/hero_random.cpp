@@ -27,6 +27,26 @@ std::string RandomKeys(std::mt19937& chance) {
   return keys;
 }
 
+// Somewhere in the air, falling or rising.
+void Throw(Duel& duel, const Rows& rows, std::mt19937& chance) {
+  for (;;) {
+    const size_t row = chance() % (rows.size() - 1), column = chance() % rows[row].size();
+    if (rows[row][column] == '#' || rows[row + 1][column] == '#') continue;
+    const auto set = [&](const char* name, double value) { duel.Game().Set("obj_tovin", name, value); };
+    set("x", static_cast<double>(column) * 16 + 8);
+    set("y", static_cast<double>(row) * 16);
+    set("state", 2);
+    set("statedelay", 5);
+    set("gravity", 0.3);
+    set("hspeed", static_cast<double>(chance() % 61) / 10 - 3);
+    set("vspeed", static_cast<double>(chance() % 81) / 10 - 4);
+    duel.Game().Set("obj_levelmanager", "barrier", 1); // until the view has followed
+    duel.Game().Step();
+    duel.Game().Set("obj_levelmanager", "barrier", 0);
+    return duel.Resume();
+  }
+}
+
 void PlayAtRandom(const Rows& rows, const LevelSettings& settings, unsigned seed, int frames,
                   std::set<std::string>& poses) {
   std::mt19937 chance(seed);
@@ -34,6 +54,7 @@ void PlayAtRandom(const Rows& rows, const LevelSettings& settings, unsigned seed
   duel.emplace(rows, settings);
   std::string keys;
   for (int frame = 0, left = 0; frame < frames; ++frame, --left) {
+    if (frame % 300 == 299) Throw(*duel, rows, chance);
     if (left == 0) {
       left = 1 + static_cast<int>(chance() % 24);
       keys = RandomKeys(chance);
