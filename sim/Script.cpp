@@ -204,12 +204,14 @@ private:
   void PadPlugged(bool connect);
   void PadButton(const std::string& name, const std::string& way);
   void PadAxis(const std::string& name, const std::string& value);
+  void Playback(const Words& w);
   void Until(const Words& w);
   void Dump(const Words& w);
   void Watch(const Words& w);
   void Unwatch(const Words&) { m_watched.clear(); }
   void CountCommand(const Words& w);
   void Tiles(const Words& w);
+  void Sounds(const Words& w);
   void Checksum(const Words& w);
   void Sounds(const Words& w);
   void Draws(const Words& w);
@@ -247,12 +249,14 @@ const Interpreter::Command Interpreter::kCommands[] = {
     {"drag", 4, 5, &Interpreter::Drag, "drag X1 Y1 X2 Y2 [BUTTON]"},
     {"wheel", 1, 1, &Interpreter::Wheel, "wheel up|down"},
     {"pad", 1, 3, &Interpreter::Pad, "pad connect|disconnect, pad button NAME down|up, pad axis NAME VALUE"},
+    {"playback", 1, 1, &Interpreter::Playback, "playback FILE"},
     {"until", 3, 4, &Interpreter::Until, "until TERM OP TERM [MAX]"},
     {"dump", 2, kAny, &Interpreter::Dump, "dump OBJECT|global VAR…"},
     {"watch", 2, kAny, &Interpreter::Watch, "watch OBJECT|global VAR…"},
     {"unwatch", 0, 0, &Interpreter::Unwatch, "unwatch"},
     {"count", 1, kAny, &Interpreter::CountCommand, "count OBJECT…"},
     {"tiles", 1, 1, &Interpreter::Tiles, "tiles DEPTH"},
+    {"sounds", 0, 0, &Interpreter::Sounds, "sounds"},
     {"checksum", 0, 0, &Interpreter::Checksum, "checksum"},
     {"sounds", 0, 0, &Interpreter::Sounds, "sounds"},
     {"draws", 0, 0, &Interpreter::Draws, "draws"},
@@ -437,6 +441,14 @@ void Interpreter::Pad(const Words& w) {
     PadAxis(w[1], w[2]);
 }
 
+void Interpreter::Playback(const Words& w) {
+  int64_t frames = 0;
+  Judge(m_simulation.BeginPlayback(Plain(w[0]), frames));
+  if (m_result != ScriptResult::kAllWell) return;
+  Step(frames);
+  m_simulation.EndPlayback();
+}
+
 void Interpreter::Until(const Words& w) {
   int64_t most = 600;
   Expression expression;
@@ -514,6 +526,16 @@ void Interpreter::Tiles(const Words& w) {
   if (Number(w[0], depth))
     m_output.lines << FrameField() << ",\"depth\":" << JsonNumber(depth) << ",\"tiles\":" << CountTiles(depth)
                    << "}\n";
+}
+
+void Interpreter::Sounds(const Words&) {
+  const auto list = [](const std::vector<std::string>& names) {
+    std::string text = "[";
+    for (const std::string& name : names) text += (text.size() > 1 ? "," : "") + JsonText(name);
+    return text + "]";
+  };
+  m_output.lines << FrameField() << ",\"playing\":" << list(Audio_Playing())
+                 << ",\"started\":" << list(Audio_TakeStarted()) << "}\n";
 }
 
 void Interpreter::Checksum(const Words&) {

@@ -4,6 +4,7 @@
 #include "Files/Code/BuiltinVariables.h"
 #include "Files/Graphics/Graphics.h"
 #include "Files/Graphics_API/RecordingDevice.h"
+#include "Files/IO/IO.h"
 #include "Files/Object/Function_Instance.h"
 #include "Files/Object/Object.h"
 #include "Files/Room/Function_Room.h"
@@ -126,6 +127,19 @@ std::string Simulation::FullName(const std::string& file) const {
   const std::filesystem::path fromStart = std::filesystem::path(m_startDirectory) / file;
   return std::filesystem::exists(fromStart) ? fromStart.string() : file;
 }
+
+std::string Simulation::BeginPlayback(const std::string& file, int64_t& frames) {
+  std::string why;
+  if (!Input().playback.Open(FullName(file), "rb", &why)) return "\"" + file + "\" can't be played: " + why;
+  const int64_t size = Input().playback.Size();
+  frames = size / kRecordSize;
+  if (size > 0 && size % kRecordSize == 0) return "";
+  EndPlayback();
+  return "\"" + file + "\" is no input record: its " + std::to_string(size) +
+         " bytes are not whole frames of " + std::to_string(kRecordSize);
+}
+
+void Simulation::EndPlayback() { Input().playback.Close(); }
 
 std::string Simulation::Play(const std::string& file, const std::string& section) {
   const std::string problem = start_level(FullName(file), section);

@@ -49,6 +49,10 @@ public:
   void Button(int button, bool down) { m_platform.messages.Button(button, down); }
   void Wheel(bool up) { m_platform.messages.Wheel(up ? 120 : -120); }
 
+  // Opens an input record to take the place of keys and mouse; `frames` is its length. "" or what is wrong.
+  std::string BeginPlayback(const std::string& file, int64_t& frames);
+  void EndPlayback();
+
   CHandDrivenPlatform& Devices() { return m_platform; }
   const std::string& Directory() const { return m_directory; }
   // Error reports that ended the game, whole; empty while all is well.
