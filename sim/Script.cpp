@@ -50,6 +50,16 @@ namespace {
 // A word without the mark of its quotes.
 std::string Plain(const std::string& word) { return !word.empty() && word[0] == '"' ? word.substr(1) : word; }
 
+// The first words again, with their quotes.
+std::string AsWritten(const std::vector<std::string>& words, size_t count) {
+  std::string text;
+  for (size_t at = 0; at < count; ++at) {
+    const bool quoted = !words[at].empty() && words[at][0] == '"';
+    text += (at ? " " : "") + (quoted ? JsonText(Plain(words[at])) : words[at]);
+  }
+  return text;
+}
+
 struct NamedKey {
   std::string_view name;
   int code;
@@ -456,7 +466,7 @@ void Interpreter::Until(const Words& w) {
   if (m_result != ScriptResult::kAllWell || (w.size() > 3 && !Count(w[3], most))) return;
   for (int64_t frame = 0; !Holds(expression); ++frame) {
     if (frame == most)
-      return Fail("until " + w[0] + " " + w[1] + " " + w[2] + ": still not so after " + std::to_string(most) +
+      return Fail("until " + AsWritten(w, 3) + ": still not so after " + std::to_string(most) +
                   " frames; found " + JsonValue(w[0], Evaluate(expression.left)));
     Step(1);
     if (m_result != ScriptResult::kAllWell) return;
@@ -566,7 +576,7 @@ void Interpreter::Expect(const Words& w) {
   Expression expression;
   Judge(ParseExpression(w, expression));
   if (m_result != ScriptResult::kAllWell || Holds(expression)) return;
-  Fail("expect " + w[0] + " " + w[1] + " " + w[2] + ": found " + JsonValue(w[0], Evaluate(expression.left)));
+  Fail("expect " + AsWritten(w, 3) + ": found " + JsonValue(w[0], Evaluate(expression.left)));
 }
 
 // ---- arranging ----

@@ -88,6 +88,7 @@ void Simulation::Step(int64_t frames) {
   for (; frames > 0 && Running(); --frames) {
     Runner_Pass();
     ++m_frame;
+    if (m_watcher) m_watcher();
   }
 }
 

@@ -4,6 +4,7 @@
 #include "Platform/HandDriven.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -33,6 +34,8 @@ public:
   int64_t Frame() const { return m_frame; }
   // Runs frames until the count or the end of the game.
   void Step(int64_t frames = 1);
+  // Called after every frame.
+  void OnFrame(std::function<void()> watcher) { m_watcher = std::move(watcher); }
 
   // The starts that skip the logos; each gives "" or what is wrong.
   std::string Play(const std::string& file,
@@ -70,6 +73,7 @@ private:
   bool m_ownsDirectory = false;
   bool m_started = false;
   int64_t m_frame = 0;
+  std::function<void()> m_watcher;
 };
 
 } // namespace vesk
