@@ -221,7 +221,6 @@ private:
   void Unwatch(const Words&) { m_watched.clear(); }
   void CountCommand(const Words& w);
   void Tiles(const Words& w);
-  void Sounds(const Words& w);
   void Checksum(const Words& w);
   void Sounds(const Words& w);
   void Draws(const Words& w);
@@ -266,7 +265,6 @@ const Interpreter::Command Interpreter::kCommands[] = {
     {"unwatch", 0, 0, &Interpreter::Unwatch, "unwatch"},
     {"count", 1, kAny, &Interpreter::CountCommand, "count OBJECT…"},
     {"tiles", 1, 1, &Interpreter::Tiles, "tiles DEPTH"},
-    {"sounds", 0, 0, &Interpreter::Sounds, "sounds"},
     {"checksum", 0, 0, &Interpreter::Checksum, "checksum"},
     {"sounds", 0, 0, &Interpreter::Sounds, "sounds"},
     {"draws", 0, 0, &Interpreter::Draws, "draws"},
@@ -536,16 +534,6 @@ void Interpreter::Tiles(const Words& w) {
   if (Number(w[0], depth))
     m_output.lines << FrameField() << ",\"depth\":" << JsonNumber(depth) << ",\"tiles\":" << CountTiles(depth)
                    << "}\n";
-}
-
-void Interpreter::Sounds(const Words&) {
-  const auto list = [](const std::vector<std::string>& names) {
-    std::string text = "[";
-    for (const std::string& name : names) text += (text.size() > 1 ? "," : "") + JsonText(name);
-    return text + "]";
-  };
-  m_output.lines << FrameField() << ",\"playing\":" << list(Audio_Playing())
-                 << ",\"started\":" << list(Audio_TakeStarted()) << "}\n";
 }
 
 void Interpreter::Checksum(const Words&) {
