@@ -1,6 +1,7 @@
 #include "pack/studio/Painter.h"
 
 #include "pack/studio/Canvas.h"
+#include "pack/studio/Icon.h"
 
 #include <algorithm>
 #include <cmath>
@@ -22,8 +23,9 @@ int Whole(double value) { return static_cast<int>(std::floor(value + .5)); }
 
 class Painter {
 public:
-  Painter(const Library& library, const Palette& palette, const std::vector<PictureSpec>& specs)
-      : library_(library), palette_(palette), specs_(specs) {}
+  Painter(const Library& library, const Palette& palette, const std::vector<PictureSpec>& specs,
+          const FramesOf& framesOf)
+      : library_(library), palette_(palette), specs_(specs), framesOf_(framesOf) {}
 
   Canvas Frame(const PictureSpec& spec, int frame, int onlySet = -1) {
     const Part* part = library_.Sprite(spec.name);
@@ -54,6 +56,7 @@ private:
   const Library& library_;
   const Palette& palette_;
   const std::vector<PictureSpec>& specs_;
+  const FramesOf& framesOf_;
   int frame_ = 0, frames_ = 1, depth_ = 0;
 
   // What the statements of one part share.
@@ -182,6 +185,8 @@ private:
       DrawPart(run, s);
     } else if (s.op == "put" || s.op == "copy") {
       Stamp(run, s);
+    } else if (s.op == "icon") {
+      Icon(run, s);
     } else if (s.op == "ell" || s.op == "cap" || s.op == "limb" || s.op == "poly") {
       Shape(run, s);
     } else if (s.op == "rect" || s.op == "bevel") {
@@ -319,8 +324,41 @@ private:
     StampCanvas(run, s, copy, Number(run, s, 1), Number(run, s, 2));
   }
 
+  // icon PICTURE frame [x y width height]: a small picture of that frame or of a part of it.
+  void Icon(Run& run, const Statement& s) {
+    if (std::none_of(specs_.begin(), specs_.end(), [&](const PictureSpec& p) { return p.name == s.word; }))
+      Fail(run, "no picture is named " + s.word);
+    IconRule rule;
+    rule.size = std::clamp(Whole(Value(run, s, "size", 16)), 1, 64);
+    rule.cut = Find(s, "cut") != nullptr;
+    if (s.arguments.size() == 5)
+      rule.part = {Whole(Number(run, s, 1)), Whole(Number(run, s, 2)),
+                   Whole(Number(run, s, 1) + Number(run, s, 3)) - 1,
+                   Whole(Number(run, s, 2) + Number(run, s, 4)) - 1};
+    else if (s.arguments.size() != 1)
+      Fail(run, "icon takes a frame, or a frame and a part of four numbers");
+    const auto& frames = framesOf_(s.word);
+    const double left = Value(run, s, "left", 0), top = Value(run, s, "top", 0);
+    if (frames.empty()) {
+      NotDrawnYet(run, Whole(left), Whole(top), rule.size);
+      return;
+    }
+    const size_t frame = static_cast<size_t>(std::max(0, Whole(Number(run, s, 0))));
+    if (frame >= frames.size()) Fail(run, s.word + " has no frame " + std::to_string(frame));
+    StampCanvas(run, s, MakeIcon(palette_, frames[frame], rule), left, top);
+  }
+
+  // A dotted square stands for a picture that has no source.
+  void NotDrawnYet(Run& run, int left, int top, int size) {
+    const auto ink = static_cast<Colour>(palette_.Ramp("ink") * kStepsPerRamp);
+    for (int i = 1; i < size - 1; i += 2)
+      for (const auto& [x, y] : {std::pair{i, 1}, {i, size - 2}, {1, i}, {size - 2, i}})
+        run.canvas->Set(left + x, top + y, {ink, 255});
+  }
+
   Painter(const Painter& other, int depth)
-      : library_(other.library_), palette_(other.palette_), specs_(other.specs_), depth_(depth) {}
+      : library_(other.library_), palette_(other.palette_), specs_(other.specs_), framesOf_(other.framesOf_),
+        depth_(depth) {}
 
   void StampCanvas(Run& run, const Statement& s, Canvas layer, double x, double y) {
     Canvas::Edge edge = Canvas::Edge::None;
@@ -503,10 +541,11 @@ private:
 } // namespace
 
 std::vector<Picture> PaintSprite(const Library& library, const Palette& palette, const PictureSpec& spec,
-                                 const std::vector<PictureSpec>& specs, int onlySet) {
+                                 const std::vector<PictureSpec>& specs, const FramesOf& framesOf,
+                                 int onlySet) {
   std::vector<Picture> frames;
   for (int frame = 0; frame < spec.frames; ++frame) {
-    const Canvas canvas = Painter(library, palette, specs).Frame(spec, frame, onlySet);
+    const Canvas canvas = Painter(library, palette, specs, framesOf).Frame(spec, frame, onlySet);
     Picture picture{spec.width, spec.height, {}};
     for (int y = 0; y < spec.height; ++y)
       for (int x = 0; x < spec.width; ++x) {

@@ -58,6 +58,14 @@ uint32_t Palette::Rgba(Colour colour) const {
   return ramp[std::min<size_t>(colour % kStepsPerRamp, ramp.size() - 1)];
 }
 
+Colour Palette::Find(uint32_t opaque) const {
+  for (size_t ramp = 1; ramp < ramps_.size(); ++ramp)
+    for (size_t step = 0; step < ramps_[ramp].size(); ++step)
+      if (ramps_[ramp][step] == opaque) return static_cast<Colour>(ramp * kStepsPerRamp + step);
+  const uint32_t grey = opaque & 255;
+  return opaque == (0xff000000u | grey * 0x010101u) ? static_cast<Colour>(kGrey | grey) : kClear;
+}
+
 Colour Palette::Step(Colour colour, int by) const {
   if (colour == kClear || colour & kGrey) return colour;
   const int ramp = colour / kStepsPerRamp;

@@ -25,6 +25,8 @@ public:
   int Ramp(const std::string& name) const; // its number, or 0
   int Steps(int ramp) const { return static_cast<int>(ramps_[ramp].size()); }
   uint32_t Rgba(Colour colour) const; // opaque; 0 for kClear
+  // The first colour of the palette that looks so, or the grey; kClear when there is none.
+  Colour Find(uint32_t opaque) const;
   // The colour some steps lighter (or darker, below 0) of the same ramp, within it. Greys and clear stay.
   Colour Step(Colour colour, int by) const;
   // The same step of another ramp, within it.

@@ -32,6 +32,7 @@ constexpr Form kForms[] = {
     {"draw", 0, 16, false, false, true},
     {"put", 2, 2, false, false, true},
     {"copy", 1, 3, false, false, true},
+    {"icon", 1, 5, false, false, true},
     {"ell", 4, 5},
     {"cap", 5, 7},
     {"limb", 7, 9},
@@ -62,11 +63,12 @@ constexpr Form kForms[] = {
 };
 constexpr const char* kPasses[] = {"outline",   "rim",  "glint", "bulge", "cylinder",
                                    "despeckle", "wrap", "free",  "flipx", "flipy"};
-constexpr const char* kWords[] = {"fx",       "fy",     "turn",   "dark",   "light",
-                                  "line",     "full",   "under",  "inside", "parted",
-                                  "darkened", "shadow", "narrow", "alpha",  "solid"};
-constexpr const char* kValues[] = {"mat",  "flat",  "bias",   "noise", "seed",  "rot",  "bevel",
-                                   "bend", "alpha", "narrow", "dark",  "light", "wide", "scale"};
+constexpr const char* kWords[] = {"cut",    "fx",     "fy",    "turn",   "dark",   "light",
+                                  "line",   "full",   "under", "inside", "parted", "darkened",
+                                  "shadow", "narrow", "alpha", "solid"};
+constexpr const char* kValues[] = {"size",   "left", "top",   "mat",   "flat", "bias",
+                                   "noise",  "seed", "rot",   "bevel", "bend", "alpha",
+                                   "narrow", "dark", "light", "wide",  "scale"};
 
 bool IsIn(std::string_view word, const auto& list) {
   return std::any_of(std::begin(list), std::end(list), [&](const char* w) { return word == w; });
@@ -330,6 +332,10 @@ private:
     if (form->named) {
       if (i >= words.size()) Fail(s.op + " needs a name");
       s.word = words[i++];
+      if (s.op == "icon") {
+        auto& icons = library_.files_[file_].icons;
+        if (std::find(icons.begin(), icons.end(), s.word) == icons.end()) icons.push_back(s.word);
+      }
       if (const auto it = slots_.find(s.word); it != slots_.end()) s.wordSlot = it->second;
     }
     for (; i < words.size(); ++i) ReadWord(s, *form, words[i]);
@@ -381,7 +387,7 @@ private:
       return;
     }
     if (const size_t arrow = word.find('>');
-        (s.op == "put" || s.op == "copy") && arrow != std::string::npos) {
+        (s.op == "put" || s.op == "copy" || s.op == "icon") && arrow != std::string::npos) {
       Option option;
       option.name = ">", option.from = Parse(word.substr(0, arrow)),
       option.to = Parse(word.substr(arrow + 1));
@@ -451,6 +457,8 @@ bool Library::Uses(const std::string& file, const std::string& other) const {
   const auto& uses = files_.at(file).uses;
   return std::any_of(uses.begin(), uses.end(), [&](const std::string& used) { return Uses(used, other); });
 }
+
+std::vector<std::string> Library::IconsIn(const std::string& file) const { return files_.at(file).icons; }
 
 std::string Library::TextsOf(const std::string& file) const {
   std::string texts;

@@ -69,6 +69,8 @@ public:
   const Part* PartByNumber(double number) const;
   const Grid* FindGrid(const std::string& name) const;
   const Grid* GridByNumber(double number) const;
+  // The pictures of which that file makes icons; they may stand in any file, or nowhere yet.
+  std::vector<std::string> IconsIn(const std::string& file) const;
   // The texts a file's pictures depend on: its own and those it uses, in a fixed order.
   std::string TextsOf(const std::string& file) const;
   // Whether file may draw what stands in other.
@@ -77,7 +79,7 @@ public:
 private:
   struct File {
     std::string text;
-    std::vector<std::string> uses;
+    std::vector<std::string> uses, icons;
   };
   std::map<std::string, File> files_;
   std::map<std::string, Part> parts_, sprites_;

@@ -129,6 +129,7 @@ struct Studio::Impl {
   Library library;
   std::map<std::string, std::vector<Picture>> frames;
   std::map<std::string, std::string> hashOfFile;
+  std::set<std::string> painting; // pictures whose frames are being painted
 
   Impl(const std::filesystem::path& assets, const std::filesystem::path& cacheDir)
       : cache(cacheDir.empty() ? cacheDir : cacheDir / "pictures"), palette(assets / "palette.txt"),
@@ -138,15 +139,34 @@ struct Studio::Impl {
     if (!cache.empty()) std::filesystem::create_directories(cache);
   }
 
+  // What the icons of a file depend on: the sources of their pictures and the sizes of those.
+  std::string TextsOfIcons(const std::string& file) {
+    std::string texts;
+    std::set<std::string> files;
+    for (const std::string& name : library.IconsIn(file)) {
+      texts += name + "\n";
+      for (const PictureSpec& spec : specs)
+        if (spec.name == name) texts += Geometry(spec);
+      if (const Part* part = library.Sprite(name)) files.insert(part->file);
+    }
+    for (const std::string& other : files) texts += library.TextsOf(other);
+    return texts;
+  }
+
+  static std::string Geometry(const PictureSpec& spec) {
+    std::string text;
+    for (const int v : {spec.width, spec.height, spec.frames, spec.boxLeft, spec.boxTop, spec.boxRight,
+                        spec.boxBottom, int(spec.boxByHand)})
+      text += std::to_string(v) + ",";
+    return text;
+  }
+
   std::filesystem::path CacheFile(const PictureSpec& spec) {
     const std::string& source = library.Sprite(spec.name)->file;
     std::string& hash = hashOfFile[source];
-    if (hash.empty()) hash = HexHash(kPainterVersion + palette.Text() + library.TextsOf(source));
-    std::string geometry;
-    for (const int v : {spec.width, spec.height, spec.frames, spec.boxLeft, spec.boxTop, spec.boxRight,
-                        spec.boxBottom, int(spec.boxByHand)})
-      geometry += std::to_string(v) + ",";
-    return cache / (spec.name + "-" + HexHash(hash + geometry).substr(0, 24) + ".pic");
+    if (hash.empty())
+      hash = HexHash(kPainterVersion + palette.Text() + library.TextsOf(source) + TextsOfIcons(source));
+    return cache / (spec.name + "-" + HexHash(hash + Geometry(spec)).substr(0, 24) + ".pic");
   }
 };
 
@@ -170,7 +190,14 @@ const std::vector<Picture>& Studio::Frames(const std::string& name) {
   const PictureSpec* spec = Find(name);
   if (!frames.empty() || !spec || !Has(name)) return frames;
   if (!impl_->cache.empty() && ReadCache(impl_->CacheFile(*spec), *spec, frames)) return frames;
-  frames = PaintSprite(impl_->library, impl_->palette, *spec, impl_->specs);
+  if (!impl_->painting.insert(name).second)
+    throw std::runtime_error("pictures/" + impl_->library.Sprite(name)->file + ": " + name +
+                             ": icons of each other without end");
+  const FramesOf framesOf = [this](const std::string& other) -> const std::vector<Picture>& {
+    return Frames(other);
+  };
+  frames = PaintSprite(impl_->library, impl_->palette, *spec, impl_->specs, framesOf);
+  impl_->painting.erase(name);
   if (!impl_->cache.empty()) {
     for (const auto& old : std::filesystem::directory_iterator(impl_->cache))
       if (old.path().filename().string().rfind(name + "-", 0) == 0) std::filesystem::remove(old.path());
@@ -189,7 +216,9 @@ Picture Studio::DrawSetOfPieces(const std::string& name, int set, std::vector<in
     for (size_t c = 0; c < part->pieces[r].size(); ++c)
       setOfCell.push_back(pieces.SetOf(
           pieces.At(static_cast<int>(c) * part->cellSize, static_cast<int>(r) * part->cellSize)));
-  return PaintSprite(impl_->library, impl_->palette, *spec, impl_->specs, set).front();
+  const std::vector<Picture> none;
+  const FramesOf framesOf = [&](const std::string&) -> const std::vector<Picture>& { return none; };
+  return PaintSprite(impl_->library, impl_->palette, *spec, impl_->specs, framesOf, set).front();
 }
 
 std::vector<Picture> Studio::Placeholder(const PictureSpec& spec) const {
