@@ -345,6 +345,9 @@ private:
     }
     const size_t frame = static_cast<size_t>(std::max(0, Whole(Number(run, s, 0))));
     if (frame >= frames.size()) Fail(run, s.word + " has no frame " + std::to_string(frame));
+    if (rule.part.right >= frames[frame].width || rule.part.bottom >= frames[frame].height ||
+        rule.part.left < 0 || rule.part.top < 0)
+      Fail(run, "the part reaches beyond " + s.word);
     StampCanvas(run, s, MakeIcon(palette_, frames[frame], rule), left, top);
   }
 

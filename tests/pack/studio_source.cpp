@@ -1,6 +1,7 @@
 // The source format of pictures: small sources written to a folder of their own.
 #include "pack/studio/Studio.h"
 
+#include <algorithm>
 #include <atomic>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -150,6 +151,49 @@ TEST(StudioSource, MistakesNameFileLineAndCause) {
     shop.Write("pictures/a.art", source);
     EXPECT_EQ(shop.Trouble(), message) << source;
   }
+}
+
+TEST(StudioSource, IconsAreMadeOfWhatIsThere) {
+  Workshop shop;
+  const std::string large = "spr_large\t32\t32\t0\t0\t1\t0\t0\t31\t31\t0\t0";
+  shop.Table({"spr_a\t16\t16\t0\t0\t4\t0\t0\t15\t15\t0\t0", large});
+  shop.Write("pictures/a.art",
+             "sprite spr_a\n  frame 0\n    icon spr_large 0\n  frame 1\n    icon spr_large 0 8 8 16 16\n"
+             "  frame 2\n    icon spr_large 0 cut red>blue\n  frame 3\n"
+             "    icon spr_large 0 size=8 left=2 top=4\nend\n");
+  fs::create_directories(shop.folder / "cache");
+  {
+    Studio early(shop.folder, shop.folder / "cache");
+    EXPECT_NE(At(early.Frames("spr_a")[0], 1, 1), 0u); // the mark of what isn't drawn yet
+    EXPECT_EQ(At(early.Frames("spr_a")[0], 8, 8), 0u);
+  }
+  // A ball with an outline and an eye of two by two.
+  shop.Write("pictures/later.art",
+             "sprite spr_large outline\n  ell 15.5 15.5 14 14 red flat=2\n  rect 18 8 2 2 white\nend\n");
+  Studio studio(shop.folder, shop.folder / "cache");
+  const auto& frames = studio.Frames("spr_a");
+  const auto box = [](const Picture& p) {
+    int left = p.width, right = -1;
+    for (int y = 0; y < p.height; ++y)
+      for (int x = 0; x < p.width; ++x)
+        if (At(p, x, y)) left = std::min(left, x), right = std::max(right, x);
+    return std::pair(left, right);
+  };
+  EXPECT_EQ(box(frames[0]), std::pair(0, 15));
+  EXPECT_EQ(At(frames[0], 0, 8), kRed0); // one pixel of outline, as before
+  EXPECT_EQ(At(frames[0], 1, 8), kRed2);
+  EXPECT_EQ(std::count(frames[0].rgba.begin(), frames[0].rgba.end(), 0xffffffffu), 1); // the eye
+  EXPECT_EQ(At(frames[1], 0, 0), kRed2); // a part of the icon's size stays as it is
+  EXPECT_EQ(At(frames[1], 10, 0), 0xffffffffu);
+  EXPECT_EQ(At(frames[2], 8, 8), kBlue2);
+  EXPECT_EQ(box(frames[3]), std::pair(2, 9));
+
+  shop.Write("pictures/a.art", "sprite spr_a\n  icon spr_large 0 20 20 16 16\nend\n");
+  EXPECT_EQ(shop.Trouble(), "pictures/a.art:2: spr_a: the part reaches beyond spr_large");
+  shop.Write("pictures/a.art", "sprite spr_a\n  icon spr_large 3\nend\n");
+  EXPECT_EQ(shop.Trouble(), "pictures/a.art:2: spr_a: spr_large has no frame 3");
+  shop.Write("pictures/a.art", "sprite spr_a\n  icon spr_a 0\nend\n");
+  EXPECT_EQ(shop.Trouble(), "pictures/a.art: spr_a: icons of each other without end");
 }
 
 TEST(StudioSource, TheCacheGivesTheSameAndNoticesChanges) {
