@@ -151,15 +151,6 @@ void DrawBackgroundSlots(const CRoom& room, bool foreground) {
   }
 }
 
-bool Overlaps(const Tile& tile, const DrawRect& rect) {
-  const float x2 = tile.x + static_cast<float>(tile.width) * tile.xscale;
-  const float y2 = tile.y + static_cast<float>(tile.height) * tile.yscale;
-  return std::max(tile.x, x2) >= static_cast<float>(rect.left) &&
-         std::min(tile.x, x2) <= static_cast<float>(rect.right) &&
-         std::max(tile.y, y2) >= static_cast<float>(rect.top) &&
-         std::min(tile.y, y2) <= static_cast<float>(rect.bottom);
-}
-
 void DrawTile(const Tile& tile) {
   const CBackground* background = Background_Find(tile.background);
   if (!background || !background->page) return;
@@ -181,31 +172,73 @@ void DrawInstance(CInstance& instance) {
     DrawInstanceDefault(instance);
 }
 
-// Numbers of the tiles that can be seen, in drawing order. A draw event may still change the list.
-std::vector<uint32_t> TilesIn(const CRoom& room, const DrawRect& rect) {
-  std::vector<uint32_t> seen;
-  const TileList& tiles = room.tiles;
-  for (size_t i = 0; i < tiles.size(); ++i)
-    if (tiles[i].visible && Overlaps(tiles[i], rect)) seen.push_back(static_cast<uint32_t>(i));
-  return seen;
-}
+// The tiles in drawing order. While nothing changes the list, only those in view are looked at. From the
+// first change on, which a draw event may make, the walk goes on through all of them from where it would
+// stand.
+class TileWalk {
+public:
+  TileWalk(const TileList& tiles, const DrawRect& rect)
+      : m_tiles(tiles), m_area{static_cast<float>(rect.left), static_cast<float>(rect.top),
+                               static_cast<float>(rect.right), static_cast<float>(rect.bottom)},
+        m_changes(tiles.Changes()), m_all(!tiles.Sorted()), m_seen(tiles.FindIn(m_area)) {}
+
+  const Tile* Head() { // null at the end
+    if (m_all) {
+      while (m_place < m_tiles.size() && !m_tiles[m_place].visible) ++m_place;
+      return m_place < m_tiles.size() ? &m_tiles[m_place] : nullptr;
+    }
+    return m_at < m_seen.size() ? &m_tiles[m_seen[m_at]] : nullptr;
+  }
+  bool HeadInView() const { return !m_all || Tile_Meets(m_tiles[m_place], m_area); }
+  void Pass() {
+    if (!m_all) m_place = m_seen[m_at++];
+    ++m_place;
+    m_held = false;
+  }
+  // Around the code of an instance's draw event.
+  void BeforeEvent(float depth) {
+    if (m_all || (m_held && depth == m_heldDepth)) return;
+    m_held = true;
+    m_heldDepth = depth;
+    const auto from = m_tiles.begin() + static_cast<ptrdiff_t>(m_place);
+    const auto behind =
+        std::partition_point(from, m_tiles.end(), [depth](const Tile& tile) { return tile.depth > depth; });
+    m_place = static_cast<size_t>(behind - m_tiles.begin());
+    while (m_place < m_tiles.size() && !m_tiles[m_place].visible) ++m_place;
+  }
+  void AfterEvent() {
+    if (m_tiles.Changes() != m_changes) m_all = true;
+  }
+
+private:
+  const TileList& m_tiles;
+  TileArea m_area;
+  uint64_t m_changes;
+  bool m_all;
+  const std::vector<uint32_t>& m_seen;
+  size_t m_at = 0;    // in m_seen
+  size_t m_place = 0; // in the list: the first tile not passed yet
+  bool m_held = false;
+  float m_heldDepth = 0; // m_place is up to date for it
+};
 
 // Instances and tiles by descending depth; at equal depth the tile lies on top.
 void DrawByDepth(CRoom& room, const DrawRect& rect) {
-  const std::vector<uint32_t> seen = TilesIn(room, rect);
+  TileWalk tiles(room.tiles, rect);
   CInstance* instance = room.active.tail;
-  size_t at = 0;
   for (;;) {
     while (instance && !Drawable(*instance)) instance = instance->previous;
-    while (at < seen.size() && (seen[at] >= room.tiles.size() || !room.tiles[seen[at]].visible)) ++at;
-    const bool tileLeft = at < seen.size();
-    if (!instance && !tileLeft) return;
-    if (instance && (!tileLeft || !(room.tiles[seen[at]].depth > instance->depth))) {
+    const Tile* tile = tiles.Head();
+    if (!instance && !tile) return;
+    if (instance && (!tile || !(tile->depth > instance->depth))) {
       CInstance* drawn = instance;
       instance = instance->previous;
+      tiles.BeforeEvent(drawn->depth);
       DrawInstance(*drawn);
+      tiles.AfterEvent();
     } else {
-      DrawTile(room.tiles[seen[at++]]);
+      if (tiles.HeadInView()) DrawTile(*tile);
+      tiles.Pass();
     }
   }
 }

@@ -1,17 +1,22 @@
 // The draw pass: its order, views and ports, what lies over what, the GUI, the window, and how it ends early.
 #include "Files/Background/Background.h"
+#include "Files/Background/DrawBackground.h"
 #include "Files/Base/Error.h"
 #include "Files/Graphics/Draw.h"
 #include "Files/Graphics/DrawScreen.h"
 #include "Files/Graphics/Surface.h"
+#include "Files/Graphics/Texture.h"
 #include "Files/Graphics/View.h"
+#include "Files/Room/Function_Tile.h"
 #include "Files/Sprite/DrawSprite.h"
 #include "tests/runner/SmallGame.h"
 #include "tests/runner/graphics_Stage.h"
 
 #include <gtest/gtest.h>
 
+#include <random>
 #include <string>
+#include <vector>
 
 namespace vesk::test {
 namespace {
@@ -105,6 +110,106 @@ TEST(DrawScreen, DepthsInterleaveAndTilesLieOnInstancesOfTheirDepth) {
         order += std::to_string(static_cast<int>(QuadBox(draw, i).left)) + " ";
   EXPECT_EQ(order, "21 3 2 20 22 24 1 ");
   EXPECT_EQ(Batch().frame.batches, 2u); // the page, and the surface into the window
+}
+
+// What a draw event of the random rooms below does, and what a walk without any index finds.
+struct RandomRoom {
+  std::mt19937 random;
+  std::vector<float>* plain = nullptr; // set: events note themselves here
+  int background = -1;
+  int Pick(int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); }
+  int32_t AddTile() {
+    return tile_add(background, 0, 0, Pick(30) == 0 ? 64 : 16, 16,
+                    static_cast<float>(Pick(1400) - 500) + 0.25f, static_cast<float>(Pick(900) - 300),
+                    static_cast<float>(Pick(6)));
+  }
+  int32_t SomeTile() {
+    const TileList& tiles = CurrentRoom()->tiles;
+    return tiles.empty() ? -1 : tiles[static_cast<size_t>(Pick(static_cast<int>(tiles.size())))].id;
+  }
+  void Change() {
+    const int32_t tile = SomeTile();
+    const int what = Pick(24);
+    if (what == 0) AddTile();
+    if (what == 7) tile_layer_shift(static_cast<float>(Pick(6)), 8, -8);
+    if (!tile_exists(tile)) return;
+    if (what == 1) tile_delete(tile);
+    if (what == 2) tile_set_position(tile, static_cast<float>(Pick(400)), static_cast<float>(Pick(216)));
+    if (what == 3) tile_set_visible(tile, Pick(2) == 0);
+    if (what == 4) tile_set_depth(tile, static_cast<float>(Pick(6)));
+    if (what == 5) tile_set_scale(tile, static_cast<float>(Pick(4)) / 2, 1);
+  }
+  void Event(Self self) {
+    const float mark = 10000 + static_cast<float>(self.instance->id % 1000);
+    if (plain)
+      plain->push_back(mark);
+    else
+      draw_background(background, mark, 0);
+    if (Pick(4) == 0) Change();
+  }
+  std::vector<float> WalkPlainly() {
+    std::vector<float> drawn;
+    plain = &drawn;
+    CRoom& room = *CurrentRoom();
+    const TileArea area{0, 0, 384, 216};
+    CInstance* instance = room.active.tail;
+    size_t at = 0;
+    for (;;) {
+      while (at < room.tiles.size() && !room.tiles[at].visible) ++at;
+      const bool tileLeft = at < room.tiles.size();
+      if (!instance && !tileLeft) break;
+      if (instance && (!tileLeft || !(room.tiles[at].depth > instance->depth))) {
+        CInstance* drawnNow = instance;
+        instance = instance->previous;
+        Event(Self(drawnNow));
+      } else {
+        const Tile& tile = room.tiles[at++];
+        if (Tile_Meets(tile, area)) drawn.push_back(tile.x);
+      }
+    }
+    plain = nullptr;
+    return drawn;
+  }
+};
+RandomRoom g_randomRoom;
+
+TEST(DrawScreen, TilesInViewAreThoseOfAPlainScanWhateverDrawEventsDo) {
+  size_t drawn = 0;
+  for (unsigned seed = 0; seed < 60; ++seed) {
+    std::vector<float> orders[2];
+    for (const bool plainly : {false, true}) {
+      ScreenStage s;
+      RandomRoom& random = g_randomRoom;
+      random = RandomRoom();
+      random.random.seed(seed);
+      random.background = s.stage.Background(s.stage.Entry(0, 0, 64, 16));
+      for (int depth = 0; depth < 6; ++depth) {
+        const int object = s.game.Object("changer" + std::to_string(depth), {.depth = depth});
+        s.game.On(object, ev_draw, ev_draw_normal, [](Self self, Self) { g_randomRoom.Event(self); });
+      }
+      s.game.Start();
+      for (int i = 0; i < 12; ++i) instance_create(0, 0, i % 6);
+      for (int i = 0; i < 400; ++i) random.AddTile();
+      for (int frame = 0; frame < 6; ++frame) {
+        if (plainly) {
+          CurrentRoom()->tiles.SortByDepth();
+          const std::vector<float> order = random.WalkPlainly();
+          orders[1].insert(orders[1].end(), order.begin(), order.end());
+        } else {
+          s.Draw();
+          for (const auto& draw : s.stage.device.Draws()) {
+            if (draw.texture != Texture_Get(s.stage.page)) continue;
+            for (size_t i = 0; i < static_cast<size_t>(draw.count) / 6; ++i)
+              orders[0].push_back(QuadBox(draw, i).left);
+          }
+        }
+        for (int i = 0; i < 8; ++i) random.Change();
+      }
+    }
+    ASSERT_EQ(orders[0], orders[1]) << "seed " << seed;
+    drawn += orders[0].size();
+  }
+  EXPECT_GT(drawn, 10000u);
 }
 
 TEST(DrawScreen, ViewsGoToTheirPortsScaledToTheSurface) {
