@@ -49,6 +49,7 @@ public:
   bool Exists() const override { return m_exists; }
   const std::string& Failure() const override { return m_failure; }
   Extent DesktopSize() const override { return desktop; }
+  double RefreshRate() const override { return refreshRate; }
   Extent FrameSize() const override { return {6, 29}; }
   void SetTitle(const std::string& title) override { m_settings.title = title; }
   std::string Title() const override { return m_settings.title; }
@@ -78,6 +79,7 @@ public:
   bool SetSwapInterval(int) override { return false; }
 
   Extent desktop{1920, 1080};
+  double refreshRate = 60;
   Extent fixedSize{}; // above 0: the size that the window has whatever is asked for
   bool focused = true;
   bool captured = false;

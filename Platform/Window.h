@@ -56,6 +56,7 @@ public:
   virtual const std::string& Failure() const = 0; // why the last Create or CreateContext failed
 
   virtual Extent DesktopSize() const = 0;
+  virtual double RefreshRate() const = 0; // of the desktop, times a second; 0 when it is not known
   // What a caption and a frame add to a client area.
   virtual Extent FrameSize() const = 0;
 

@@ -76,6 +76,7 @@ std::unique_ptr<CFontFb> BuiltInFont_Make(int32_t& texture) {
   font->page = font->ownedPage.get();
   font->name = "built-in";
   font->height = kCell;
+  font->texelOffset = 0; // the cells stand side by side
   font->first = kFirst;
   font->last = kFirst + kGlyphs - 1;
   font->textureWidth = kPageWidth;

@@ -52,7 +52,10 @@ std::vector<std::u16string> SplitAtBreaks(const std::u16string& text) {
     lines.push_back(text.substr(start, at - start));
     start = at + 1;
   }
-  if (start < text.size()) lines.push_back(text.substr(start));
+  const bool onlyHalfABreak = start + 1 == text.size() && start > 0 &&
+                              ((text[start] == kNewLine && text[start - 1] == kReturn) ||
+                               (text[start] == kReturn && text[start - 1] == kNewLine));
+  if (start < text.size() && !onlyHalfABreak) lines.push_back(text.substr(start));
   return lines;
 }
 
@@ -152,18 +155,12 @@ void DrawSpriteGlyph(const CFontFb& font, const Glyph& glyph, const Pen& pen, fl
 void DrawPageGlyph(const CFontFb& font, const Glyph& glyph, const Pen& pen, float x, float y, float from,
                    float to) {
   if (!font.page || glyph.frame <= 0 || glyph.height <= 0) return;
-  PageEntry entry = *font.page;
-  const auto width = static_cast<uint16_t>(glyph.frame), height = static_cast<uint16_t>(glyph.height);
-  entry.sourceX = static_cast<uint16_t>(entry.sourceX + glyph.x);
-  entry.sourceY = static_cast<uint16_t>(entry.sourceY + glyph.y);
-  entry.sourceWidth = entry.targetWidth = entry.boundingWidth = width;
-  entry.sourceHeight = entry.targetHeight = entry.boundingHeight = height;
-  entry.targetX = entry.targetY = 0;
+  const PagePart box{static_cast<float>(glyph.x), static_cast<float>(glyph.y),
+                     static_cast<float>(glyph.frame), static_cast<float>(glyph.height)};
   const PagePlace place{.x = x, .y = y, .xscale = pen.xscale, .yscale = pen.yscale, .rotation = pen.angle};
   const uint32_t word = ColourWord(pen.colour, pen.alpha);
-  Page_DrawGeneral(entry, {0, 0, static_cast<float>(width), static_cast<float>(height)}, place,
-                   pen.gradient ? GradientOf(*pen.gradient, from, to)
-                                : CornerColours{word, word, word, word});
+  Page_DrawGlyph(*font.page, box, font.texelOffset, place,
+                 pen.gradient ? GradientOf(*pen.gradient, from, to) : CornerColours{word, word, word, word});
 }
 
 // `pen.xscale` and `pen.cosine` already hold the font's own scale.

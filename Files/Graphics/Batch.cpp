@@ -131,7 +131,8 @@ VertexBuffer* FindInList(uint32_t format, int32_t stride, int32_t count) {
     if (!buffer.byteAddressed && buffer.format == format && buffer.capacity - buffer.writePos >= count &&
         static_cast<int64_t>(buffer.lastUsed) + 4 < static_cast<int64_t>(g_buffers.frameCounter))
       return &buffer;
-  const int32_t capacity = std::max(count, kListCapacity);
+  const bool single = Graphics().settings.oneBatchABuffer && g_buffers.frameCounter > 0;
+  const int32_t capacity = std::max(count, single ? kSingleCapacity : kListCapacity);
   VertexBuffer* made = Create(static_cast<uint32_t>(capacity * stride));
   if (!made) return nullptr;
   made->format = format;
@@ -150,12 +151,12 @@ uint8_t* ClientMemory(size_t bytes) {
   return g_buffers.client.data();
 }
 
-uint8_t* FindRoom(int32_t stride, int32_t count) {
+uint8_t* FindRoom(uint32_t format, int32_t stride, int32_t count) {
   const int32_t bytes = stride * count;
   const int32_t method = Graphics().bufferMethod;
   g_buffers.current = nullptr;
   if (Graphics().device && method != 2) {
-    VertexBuffer* buffer = method == 1 ? FindInList(FormatOf(stride), stride, count) : FindRing(bytes);
+    VertexBuffer* buffer = method == 1 ? FindInList(format, stride, count) : FindRing(bytes);
     uint8_t* memory = buffer ? Map(*buffer) : nullptr;
     if (memory) {
       g_buffers.current = buffer;
@@ -170,7 +171,7 @@ uint8_t* FindRoom(int32_t stride, int32_t count) {
 void CloseBatch() {
   g_batch.batchPrimitive = -1;
   g_batch.batchNoJoin = true;
-  g_batch.batchStride = 0;
+  g_batch.batchStride = g_batch.batchVertexSize = 0;
   g_batch.batchTexture = kNoBatchTexture;
   g_batch.write = g_batch.end = g_batch.batchBase = nullptr;
 }
@@ -186,12 +187,14 @@ int32_t PrimitiveCount(int32_t primitive, int32_t vertices) {
 }
 
 void SendBatch(IRenderDevice& device) {
-  const int32_t vertices = static_cast<int32_t>((g_batch.write - g_batch.batchBase) / g_batch.batchStride);
+  const int32_t vertices =
+      static_cast<int32_t>((g_batch.write - g_batch.batchBase) / g_batch.batchVertexSize);
   VertexBuffer* buffer = g_buffers.current;
   if (buffer) {
-    buffer->writePos = buffer->batchStart + vertices * g_batch.batchStride / buffer->stride;
+    buffer->writePos = buffer->batchStart + vertices * g_batch.batchVertexSize / buffer->stride;
     g_buffers.largestWrite = std::max(g_buffers.largestWrite, buffer->writePos);
     Unmap(*buffer);
+    if (Graphics().settings.oneBatchABuffer && !buffer->byteAddressed) buffer->writePos = buffer->capacity;
   }
   if (PrimitiveCount(g_batch.batchPrimitive, vertices) < 1 || !Texture_Ready(g_batch.batchTexture)) return;
   for (DrawCounters* counters : {&g_batch.frame, &g_batch.total}) {
@@ -203,10 +206,10 @@ void SendBatch(IRenderDevice& device) {
   const auto primitive = static_cast<Primitive>(g_batch.batchPrimitive);
   const uint32_t format = FormatOf(g_batch.batchStride);
   if (buffer)
-    device.Draw(primitive, format, g_batch.batchStride, buffer->deviceBuffer,
+    device.Draw(primitive, format, g_batch.batchVertexSize, buffer->deviceBuffer,
                 static_cast<uint32_t>(buffer->batchStart * buffer->stride), vertices);
   else
-    device.DrawFromMemory(primitive, format, g_batch.batchStride, g_batch.batchBase, vertices);
+    device.DrawFromMemory(primitive, format, g_batch.batchVertexSize, g_batch.batchBase, vertices);
 }
 
 } // namespace
@@ -216,17 +219,18 @@ uint8_t* detail::AllocVertsSlow(Primitive primitive, TextureHandle texture, int3
   g_batch.batchPrimitive = primitive;
   g_batch.batchTexture = texture;
   g_batch.batchStride = stride;
-  g_batch.batchBase = FindRoom(stride, count);
+  g_batch.batchVertexSize = std::max(VertexStride(FormatOf(stride)), 1);
+  g_batch.batchBase = FindRoom(FormatOf(stride), g_batch.batchVertexSize, count);
   g_batch.batchNoJoin =
       primitive == pr_linestrip || primitive == pr_trianglestrip || primitive == pr_trianglefan;
-  g_batch.write = g_batch.batchBase + static_cast<ptrdiff_t>(stride) * count;
+  g_batch.write = g_batch.batchBase + static_cast<ptrdiff_t>(g_batch.batchVertexSize) * count;
   return g_batch.batchBase;
 }
 
 void ReturnVerts(int32_t count) {
   if (g_batch.batchPrimitive < 0) return;
   g_batch.write =
-      std::max(g_batch.batchBase, g_batch.write - static_cast<ptrdiff_t>(count) * g_batch.batchStride);
+      std::max(g_batch.batchBase, g_batch.write - static_cast<ptrdiff_t>(count) * g_batch.batchVertexSize);
 }
 
 void FlushBatch() {

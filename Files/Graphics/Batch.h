@@ -22,6 +22,7 @@ static_assert(sizeof(ShapeVertex) == 16 && sizeof(TexturedVertex) == 24);
 
 inline constexpr uint32_t kRingBytes = 0x48000;       // of the ring at first, and of client memory
 inline constexpr int32_t kListCapacity = 16384;       // least vertices of a buffer of the list
+inline constexpr int32_t kSingleCapacity = 4096;      // of one that takes a single batch
 inline constexpr TextureHandle kNoBatchTexture = ~0u; // no handle has it
 
 struct DrawCounters {
@@ -33,7 +34,8 @@ struct DrawCounters {
 struct BatchState {
   // The join test and the write position, together in one cache line.
   int32_t batchPrimitive = -1; // -1: nothing is open
-  int32_t batchStride = 0;
+  int32_t batchStride = 0;     // as asked for: 16, 24, 36, or a format code
+  int32_t batchVertexSize = 0; // bytes
   TextureHandle batchTexture = kNoBatchTexture;
   bool batchNoJoin = true;
   uint8_t* write = nullptr;
@@ -51,10 +53,11 @@ uint8_t* AllocVertsSlow(Primitive primitive, TextureHandle texture, int32_t stri
 } // namespace detail
 inline BatchState& Batch() { return detail::g_batch; }
 
-// Where to write `count` vertices of `stride` bytes (16, 24 or 36); good until the next call.
+// Where to write `count` vertices of `stride` bytes (16, 24 or 36; any other number is the code of a vertex
+// format); good until the next call.
 inline uint8_t* AllocVertsBytes(Primitive primitive, TextureHandle texture, int32_t stride, int32_t count) {
   BatchState& batch = detail::g_batch;
-  const auto bytes = static_cast<ptrdiff_t>(stride) * count;
+  const auto bytes = static_cast<ptrdiff_t>(batch.batchVertexSize) * count;
   if (texture == batch.batchTexture && primitive == batch.batchPrimitive && stride == batch.batchStride &&
       !batch.batchNoJoin && bytes <= batch.end - batch.write && !RenderStates().Dirty()) {
     uint8_t* at = batch.write;

@@ -6,6 +6,7 @@
 #include "Files/Graphics/Graphics.h"
 #include "Files/Graphics/Registration.h"
 #include "Files/Graphics/RenderState.h"
+#include "Files/Graphics/Shapes.h"
 #include "Files/Graphics/Texture.h"
 #include "Files/Graphics/View.h"
 #include "Files/Run/Run_Events.h"
@@ -25,7 +26,10 @@ DrawState g_draw;
 
 TextureHandle Blank() { return Texture_Get(Graphics().blankTexture); }
 
-uint8_t AlphaByte(float alpha) { return static_cast<uint8_t>(std::clamp(alpha, 0.0f, 1.0f) * 255.0f); }
+// What is no number counts as 0.
+uint8_t AlphaByte(float alpha) {
+  return alpha > 0 ? static_cast<uint8_t>(std::min(alpha, 1.0f) * 255.0f) : uint8_t{0};
+}
 
 uint32_t WithDrawAlpha(int32_t colour) {
   return static_cast<uint32_t>(g_draw.alphaByte) << 24 | SwapRedBlue(static_cast<uint32_t>(colour));
@@ -73,8 +77,7 @@ void DrawFilled(float left, float top, float right, float bottom) {
 DrawState& Drawing() { return g_draw; }
 
 uint32_t ColourWord(uint32_t colour, float alpha) {
-  const auto truncated = static_cast<int32_t>(std::clamp(alpha * 255.0f, -1.0f, 256.0f));
-  return static_cast<uint32_t>(std::clamp(truncated, 0, 255)) << 24 | SwapRedBlue(colour);
+  return static_cast<uint32_t>(AlphaByte(alpha)) << 24 | SwapRedBlue(colour);
 }
 
 void draw_set_colour(int32_t colour) { g_draw.colourWord = WithDrawAlpha(colour); }
@@ -161,10 +164,12 @@ void draw_line_width(float x1, float y1, float x2, float y2, float width) {
   if (length == 0) return;
   const float sideX = dy / length * (width / 2), sideY = -dx / length * (width / 2);
   ShapeVertex* v = AllocVerts<ShapeVertex>(pr_trianglefan, Blank(), 4);
-  v[0] = ShapePoint(x1 + sideX, y1 + sideY, g_draw.colourWord);
-  v[1] = ShapePoint(x2 + sideX, y2 + sideY, g_draw.colourWord);
-  v[2] = ShapePoint(x2 - sideX, y2 - sideY, g_draw.colourWord);
-  v[3] = ShapePoint(x1 - sideX, y1 - sideY, g_draw.colourWord);
+  const float depth = g_draw.depth;
+  const uint32_t colour = g_draw.colourWord;
+  v[0] = {x1 + sideX, y1 + sideY, depth, colour};
+  v[1] = {x2 + sideX, y2 + sideY, depth, colour};
+  v[2] = {x2 - sideX, y2 - sideY, depth, colour};
+  v[3] = {x1 - sideX, y1 - sideY, depth, colour};
 }
 
 void draw_rectangle(float x1, float y1, float x2, float y2, bool outline) {
@@ -208,6 +213,7 @@ void Function_AddDraw() {
       Builtin<&application_surface_enable>("application_surface_enable"),
   };
   Function_Add(kBuiltins);
+  Function_AddShapes();
 }
 
 } // namespace vesk

@@ -10,11 +10,11 @@
 #include "Files/Graphics/Surface.h"
 #include "Files/Graphics/Texture.h"
 #include "Files/Graphics/View.h"
+#include "Files/IO/IO.h"
 #include "Files/Object/Instance.h"
 #include "Files/Room/Room.h"
 #include "Files/Run/Run_Events.h"
 #include "Files/Sprite/DrawSprite.h"
-#include "Platform/Platform.h"
 
 #include <algorithm>
 #include <cmath>
@@ -250,7 +250,9 @@ DrawRect ScaledPort(const ViewSlot& view, const PortScale& scale) {
 
 void DrawView(const ViewSlot& view, const PortScale& scale) {
   const bool ownSurface = surface_exists(view.surface) && surface_set_target(view.surface);
-  if (!ownSurface) {
+  if (ownSurface) { // also when it is the target already
+    SetViewport(0, 0, surface_get_width(view.surface), surface_get_height(view.surface));
+  } else {
     const DrawRect port = ScaledPort(view, scale); // right and bottom hold the size
     SetViewport(port.left, port.top, port.right, port.bottom);
   }
@@ -275,7 +277,6 @@ void DrawRoomInViews(CRoom& room) {
     if (room.views[static_cast<size_t>(i)].visible) DrawView(room.views[static_cast<size_t>(i)], scale);
   }
   FlushBatch();
-  g_screen.viewCurrent = 0;
 }
 
 // ---- GUI and cursor ----
@@ -293,19 +294,16 @@ void DrawCursor() {
   if (!Sprite_Find(g_screen.cursorSprite)) return;
   const GraphicsState& g = Graphics();
   Matrix view;
-  view.m[12] = static_cast<float>(-(g.windowWidth / 2));
-  view.m[13] = static_cast<float>(-(g.windowHeight / 2));
+  view.m[12] = -static_cast<float>(g.windowWidth) / 2;
+  view.m[13] = -static_cast<float>(g.windowHeight) / 2;
   view.m[14] = kCursorDepth;
   SetViewMatrix(view, {0, 0, g.windowWidth, g.windowHeight});
   SetMatrix(kMatrixProjection,
             OrthographicProjection(static_cast<float>(g.windowWidth), static_cast<float>(-g.windowHeight)));
-  int32_t mouseX = 0, mouseY = 0, windowX = 0, windowY = 0;
-  Platform_Get().window->CursorPosition(mouseX, mouseY);
-  Platform_Get().window->Position(windowX, windowY);
+  const MouseTables& mouse = Input().mice[0];
   Drawing().culling = false;
   draw_sprite_ext(nullptr, g_screen.cursorSprite, static_cast<int32_t>(Rooms().frameCounter),
-                  static_cast<float>(mouseX - windowX), static_cast<float>(mouseY - windowY), 1, 1, 0,
-                  c_white, 1);
+                  static_cast<float>(mouse.x), static_cast<float>(mouse.y), 1, 1, 0, c_white, 1);
   Drawing().culling = true;
 }
 

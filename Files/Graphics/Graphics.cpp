@@ -8,9 +8,12 @@
 #include "Files/Graphics/DrawScreen.h"
 #include "Files/Graphics/PageDraw.h"
 #include "Files/Graphics/Shader.h"
+#include "Files/Graphics/Shapes.h"
 #include "Files/Graphics/Surface.h"
 #include "Files/Graphics/Texture.h"
 #include "Files/Graphics/View.h"
+#include "Files/Run/Run_Frame.h"
+#include "Files/Run/Timing.h"
 #include "Platform/Files.h"
 #include "Platform/Platform.h"
 
@@ -23,6 +26,8 @@ namespace {
 constexpr int32_t kSettleFrames = 10;
 constexpr int64_t kSplashRoundMicroseconds = 500'000;
 constexpr int kSplashRounds = 5;
+constexpr double kSecond = 1e6;               // microseconds
+constexpr double kUnknownRefresh = 16666.666; // microseconds
 
 GraphicsState g_graphics;
 
@@ -67,10 +72,31 @@ void LogDevice() {
   log.Output("Creating D3D device - ARGB=32bit, D24S8, SwapEffect=Copy, %s\n",
              g_graphics.settings.softwareVertices ? "Software vertex processing"
                                                   : "Hardware vertex processing");
+  if (g_graphics.settings.compressTextures)
+    ReleaseConsole().Output("-compresstextures: this device stores textures as they are\n");
+  if (g_graphics.settings.oneBatchABuffer)
+    ReleaseConsole().Output(
+        "-intel: clears need no help on this device; vertex buffers take one batch each\n");
 }
 
 void WaitForDisplay(bool on) {
   if (Window().HasContext()) Window().SetSwapInterval(on ? 1 : 0);
+}
+
+// Sleeps to shortly before the blank that ends this frame, then waits for it. What a frame was too long or
+// too short goes into the next.
+void AlternateSync() {
+  GraphicsState& g = g_graphics;
+  const double rate = Window().RefreshRate();
+  const double period = kSecond / Run_RoomSpeed(), refresh = rate > 0 ? kSecond / rate : kUnknownRefresh;
+  const auto elapsed = [&g] { return static_cast<double>(Timing_Time() - g.lastSync); };
+  if (elapsed() - g.syncError < period) {
+    const double sleep = std::clamp(period - 0.9 * refresh - elapsed() + g.syncError, 0.0, kSecond);
+    if (sleep > 0) Platform_Get().clock->Sleep(static_cast<int64_t>(sleep));
+    if (!g.device->WaitForBlank()) Timing_Wait(static_cast<int64_t>(period - elapsed() + g.syncError));
+  }
+  g.syncError = std::clamp(g.syncError + period - elapsed(), -refresh, refresh);
+  g.lastSync = Timing_Time();
 }
 
 // The image as large as the window allows without changing its shape.
@@ -146,6 +172,7 @@ void Graphics_Reset() {
   Batch_FreeBuffers();
   RenderStates().Reset();
   View_Reset();
+  Shapes_Reset();
   Drawing() = {};
   Screen() = {};
   g_graphics = {};
@@ -179,6 +206,7 @@ void EndFrame(bool present) {
   Batch_EndFrame();
   g.device->EndScene();
   g.sceneOpen = false;
+  if (Graphics_PacesFrames() && !g.needsReset && g.settleCounter != 1) AlternateSync();
   if (!present) return;
   if (!g.shown && Window().Exists() && !Window().Visible()) Window().SetVisible(true);
   g.shown = true;
@@ -200,6 +228,10 @@ void Device_Reset() {
   const ViewState& view = View();
   for (const int32_t slot : {kMatrixView, kMatrixProjection, kMatrixWorld})
     SetMatrix(slot, view.matrices[slot]);
+}
+
+bool Graphics_PacesFrames() {
+  return g_graphics.alternateSync && g_graphics.settings.synchronised && g_graphics.device;
 }
 
 void Graphics_WindowResized() {

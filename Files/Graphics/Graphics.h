@@ -13,6 +13,9 @@ struct GraphicsSettings {        // from the container's header and options, bef
   bool softwareVertices = false; // only named in the log
   bool linearFilter = false;
   bool keepAspect = true;         // bars instead of stretching
+  bool oneBatchABuffer = false;   // -intel: a buffer of the list takes one batch
+  bool compressTextures = false;  // only answered in the log
+  bool texturesOnDemand = false;  // images are not even decoded before their first use
   int32_t applicationWidth = 384; // application surface, pixels
   int32_t applicationHeight = 216;
   uint32_t windowColour = 0; // 24 bits, red low
@@ -35,6 +38,8 @@ struct GraphicsState {
   int32_t sampling = 0;
   bool verticalSync = false;
   bool alternateSync = false;
+  int64_t lastSync = 0;     // microseconds, of the alternate method
+  double syncError = 0;     // carried from frame to frame, microseconds
   int32_t bufferMethod = 0; // 0 ring, 1 list, 2 client memory
 };
 GraphicsState& Graphics();
@@ -53,6 +58,8 @@ void EndFrame(bool present);
 void Graphics_Settle();
 // The window's client size changed by itself; the device follows once it has settled.
 void Graphics_WindowResized();
+// Frames are paced in EndFrame instead of ahead of them. Only where presentation is synchronised at all.
+bool Graphics_PacesFrames();
 void Device_Reset(); // all surfaces are lost; textures stay
 
 // splash.png letter-boxed for two seconds; nothing when the file doesn't exist. `pump` is called between

@@ -29,11 +29,14 @@ Box TextureBox(const PageEntry& entry, const TextureSlot& page) {
           static_cast<float>(entry.sourceY + entry.sourceHeight) * page.invHeight};
 }
 
-CornerColours Corners(uint32_t word) {
-  if (!Drawing().cornerIds) return {word, word, word, word};
-  const uint32_t plain = word & ~0x00010001u;
-  return {plain, plain | 1, plain | 0x10000, plain | 0x10001};
+CornerColours Corners(const CornerColours& words) {
+  if (!Drawing().cornerIds) return words;
+  constexpr uint32_t kIds[] = {0, 1, 0x10000, 0x10001};
+  CornerColours marked;
+  for (size_t i = 0; i < words.size(); ++i) marked[i] = (words[i] & ~0x00010001u) | kIds[i];
+  return marked;
 }
+CornerColours Corners(uint32_t word) { return Corners(CornerColours{word, word, word, word}); }
 
 void WriteQuad(TexturedVertex* v, const Box& at, const Box& uv, float depth, const CornerColours& c) {
   v[0] = {at.left, at.top, depth, c[0], uv.left, uv.top};
@@ -115,7 +118,8 @@ bool Page_DrawExt(const PageEntry& entry, const PagePlace& place) {
 }
 
 bool Page_DrawPart(const PageEntry& entry, const PagePart& part, const PagePlace& place) {
-  return Page_DrawGeneral(entry, part, place, Corners(ColourWord(place.colour, place.alpha)));
+  const uint32_t word = ColourWord(place.colour, place.alpha);
+  return Page_DrawGeneral(entry, part, place, {word, word, word, word});
 }
 
 bool Page_DrawGeneral(const PageEntry& entry, const PagePart& part, const PagePlace& place,
@@ -149,7 +153,22 @@ bool Page_DrawGeneral(const PageEntry& entry, const PagePart& part, const PagePl
   uv.top = (entry.sourceY + fy * sourceTop) * page->invHeight;
   uv.right = uv.left + fx * width * page->invWidth;
   uv.bottom = uv.top + fy * height * page->invHeight;
-  DrawBox(page->handle, x, y, {0, 0, width * place.xscale, height * place.yscale}, angle, uv, colours);
+  DrawBox(page->handle, x, y, {0, 0, width * place.xscale, height * place.yscale}, angle, uv,
+          Corners(colours));
+  return true;
+}
+
+bool Page_DrawGlyph(const PageEntry& entry, const PagePart& glyph, float border, const PagePlace& place,
+                    const CornerColours& colours) {
+  const TextureSlot* page = Page(entry);
+  if (!page) return false;
+  const float left = entry.sourceX + glyph.left, top = entry.sourceY + glyph.top;
+  const Box at{-border * place.xscale, -border * place.yscale, (glyph.width + border) * place.xscale,
+               (glyph.height + border) * place.yscale};
+  const Box uv{(left - border) * page->invWidth, (top - border) * page->invHeight,
+               (left + glyph.width + border) * page->invWidth,
+               (top + glyph.height + border) * page->invHeight};
+  DrawBox(page->handle, place.x, place.y, at, ToRadians(place.rotation), uv, Corners(colours));
   return true;
 }
 

@@ -34,6 +34,10 @@ bool Page_DrawExt(const PageEntry& entry, const PagePlace& place);
 bool Page_DrawPart(const PageEntry& entry, const PagePart& part, const PagePlace& place);
 bool Page_DrawGeneral(const PageEntry& entry, const PagePart& part, const PagePlace& place,
                       const CornerColours& colours);
+// A piece of the page behind the entry's corner, with that many texels more on each side. No part of the page
+// is cropped.
+bool Page_DrawGlyph(const PageEntry& entry, const PagePart& glyph, float border, const PagePlace& place,
+                    const CornerColours& colours);
 // Over the current view's box in the directions asked for.
 bool Page_DrawTiled(const PageEntry& entry, const PagePlace& place, bool htiled, bool vtiled);
 // Corners clockwise from the left top; x and y in turn.

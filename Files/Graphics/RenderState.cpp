@@ -65,7 +65,7 @@ void RenderStateCache::SetRenderState(int32_t index, uint32_t value) {
   Entry& entry = m_render[at];
   if (entry.wanted == value) return;
   entry.wanted = value;
-  m_dirtyRender[at] = value != entry.sent;
+  m_dirtyRender[at] = entry.Differs();
   m_dirty = m_dirtyRender.any() || m_dirtySampler.any();
 }
 
@@ -75,7 +75,7 @@ void RenderStateCache::SetSamplerState(int32_t stage, int32_t index, uint32_t va
   Entry& entry = m_sampler[at];
   if (entry.wanted == value) return;
   entry.wanted = value;
-  m_dirtySampler[at] = value != entry.sent;
+  m_dirtySampler[at] = entry.Differs();
   m_dirty = m_dirtyRender.any() || m_dirtySampler.any();
 }
 
@@ -84,12 +84,14 @@ void RenderStateCache::SendDirty(IRenderDevice& device) {
   for (size_t at = 0; at < kRenderStates; ++at) {
     if (!m_dirtyRender[at]) continue;
     m_render[at].sent = m_render[at].wanted;
+    m_render[at].known = true;
     if (ReachesDevice(static_cast<int32_t>(at)))
       device.SetRenderState(static_cast<int32_t>(at), m_render[at].sent);
   }
   for (size_t at = 0; at < kSamplerStates; ++at) {
     if (!m_dirtySampler[at]) continue;
     m_sampler[at].sent = m_sampler[at].wanted;
+    m_sampler[at].known = true;
     const auto index = static_cast<int32_t>(at % kSamplerStatesPerStage);
     if (index <= kSamplerAddressV)
       device.SetSamplerState(static_cast<int32_t>(at / kSamplerStatesPerStage), index, m_sampler[at].sent);

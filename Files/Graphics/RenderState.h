@@ -62,6 +62,8 @@ public:
 private:
   struct Entry {
     uint32_t sent = 0, wanted = 0;
+    bool known = false; // the device has `sent`
+    bool Differs() const { return !known || wanted != sent; }
   };
   struct Saved {
     std::array<uint32_t, kRenderStates> render;

@@ -86,6 +86,14 @@ void DrawPart(int32_t id, const PagePart& part, const PagePlace& place) {
   if (const SurfaceRecord* surface = FindToDraw(id)) Page_DrawPart(EntryOf(*surface), part, place);
 }
 
+// The format is the one there is: 32 bits a pixel.
+int32_t surface_create_special(int32_t width, int32_t height, int32_t) {
+  return surface_create(width, height);
+}
+int32_t surface_create_ext(std::string_view, int32_t width, int32_t height, Args) {
+  return surface_create(width, height);
+}
+
 bool surface_save(int32_t id, const std::string& file) {
   const SurfaceRecord* surface = FindToDraw(id);
   if (!surface) return false;
@@ -275,10 +283,14 @@ bool surface_reset_target() {
 
 bool surface_set_target_ext(int32_t slot, int32_t id) {
   if (slot == 0) return surface_set_target(id);
-  const TextureHandle handle = HandleOf(id);
-  if (slot < 0 || slot >= kTargetSlots || !Graphics().device || !handle) return false;
+  const TextureHandle handle = id == -1 ? 0 : HandleOf(id); // -1 takes the slot out again
+  if (slot < 0 || slot >= kTargetSlots || !Graphics().device || (id != -1 && !handle)) return false;
   FlushBatch();
-  if (!Graphics().device->SetTarget(slot, handle)) return false;
+  if (!Graphics().device->SetTarget(slot, handle)) {
+    ReleaseConsole().Output(
+        "surface_set_target_ext: this device has one colour target, slot %d stays empty\n", slot);
+    return false;
+  }
   g_surfaces.currentTarget[slot] = id;
   return true;
 }
@@ -385,6 +397,8 @@ void draw_surface_general(int32_t id, float left, float top, float width, float 
 void Function_AddSurface() {
   static constexpr BuiltinRow kBuiltins[] = {
       Builtin<&surface_create>("surface_create"),
+      Builtin<&surface_create_ext>("surface_create_ext"),
+      Builtin<&surface_create_special>("surface_create_special"),
       Builtin<&surface_exists>("surface_exists"),
       Builtin<&surface_free>("surface_free"),
       Builtin<&surface_get_width>("surface_get_width"),

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 
 namespace vesk {
 
@@ -15,12 +16,15 @@ namespace vesk {
 class DecodingImage {
 public:
   explicit DecodingImage(std::vector<uint8_t> pixels) { m_image.pixels = std::move(pixels); }
-  DecodingImage(const uint8_t* data, uint32_t size) {
-    const auto decode = [this, data, size] { m_good = Png_Decode(data, size, m_image, m_why); };
-    if (!m_thread.Start(decode)) decode();
+  // At once on a thread of its own, or at the first question for the pixels.
+  DecodingImage(const uint8_t* data, uint32_t size, bool onDemand) {
+    m_decode = [this, data, size] { m_good = Png_Decode(data, size, m_image, m_why); };
+    if (!onDemand && m_thread.Start(m_decode)) m_decode = nullptr;
   }
   const uint8_t* Pixels() { // null: could not be decoded
     m_thread.Join();
+    if (m_decode) m_decode();
+    m_decode = nullptr;
     return m_good ? m_image.pixels.data() : nullptr;
   }
   const std::string& Why() const { return m_why; }
@@ -29,7 +33,8 @@ private:
   PngImage m_image;
   bool m_good = true;
   std::string m_why;
-  CThread m_thread; // last: it must end before the rest goes
+  std::function<void()> m_decode; // null once it was run, or is the thread's
+  CThread m_thread;               // last: it must end before the rest goes
 };
 
 namespace {
@@ -148,7 +153,8 @@ int32_t Texture_CreateFromData(const uint8_t* data, uint32_t size, uint32_t) {
   if (size >= 4 && Word(data, 0) == kRawSignature)
     id = CreateFromRaw(data, size);
   else if (size >= 4 && Word(data, 0) == kPngSignature && Png_Measure(data, size, width, height))
-    id = Enter(std::make_shared<DecodingImage>(data, size), width, height);
+    id = Enter(std::make_shared<DecodingImage>(data, size, Graphics().settings.texturesOnDemand), width,
+               height);
   if (id >= 0) return id;
   id = TakeSlot();
   ErrorConsole().Output("Texture %d is no image that can be read\n", id);

@@ -23,7 +23,7 @@ public:
     int32_t index = 0;             // of a state, a stage, a matrix
     uint32_t value = 0;            // of a state; the colour of a clear
     std::array<int32_t, 4> box{};  // of a viewport
-    std::vector<uint8_t> data{};     // vertices of a draw, values of a uniform
+    std::vector<uint8_t> data{};   // vertices of a draw, values of a uniform
   };
 
   explicit CRecordingDevice(bool keep = false) : keep(keep) {}

@@ -26,10 +26,27 @@ enum Primitive : int32_t {
 // Vertex formats: bit sets of what a vertex holds, in this order.
 enum VertexFormat : uint32_t {
   kVertexPosition = 0x2,
+  kVertexWeight = 0x4,
+  kVertexWeights = 0x4002, // both bits: a further 16 bytes
   kVertexNormal = 0x10,
   kVertexColour = 0x40,
   kVertexTexture = 0x100,
 };
+
+// Bytes of a vertex of that format, and where in it a part begins.
+constexpr int32_t VertexStride(uint32_t format) {
+  int32_t bytes = 0;
+  if (format & kVertexPosition) bytes += 12;
+  if (format & kVertexWeight) bytes += 16;
+  if ((format & kVertexWeights) == kVertexWeights) bytes += 16;
+  if (format & kVertexNormal) bytes += 12;
+  if (format & kVertexColour) bytes += 4;
+  if (format & kVertexTexture) bytes += 8;
+  return bytes;
+}
+constexpr int32_t VertexColourAt(uint32_t format) {
+  return VertexStride(format & ~(kVertexColour | kVertexTexture));
+}
 
 // For row vectors: v * M, translation in m[12] to m[14]. The same memory is a column-major matrix for M * v.
 struct Matrix {
@@ -65,6 +82,8 @@ public:
   virtual void BeginScene(int32_t width, int32_t height) = 0; // size of the back buffer
   virtual void EndScene() = 0;
   virtual bool Present() = 0; // false when the device was lost
+  // Returns in the display's vertical blank; false at once on a device that can't tell.
+  virtual bool WaitForBlank() { return false; }
   // After the window changed: everything but textures' contents, programs and buffers is back to its start.
   virtual void Reset(int32_t width, int32_t height) = 0;
 

@@ -29,13 +29,6 @@ LoopState state;
 constexpr int64_t kSecond = 1000000; // microseconds
 constexpr int32_t kSpeedWithoutRoom = 60;
 
-int32_t RoomSpeed() {
-  CRoom* room = CurrentRoom();
-  if (!room) return kSpeedWithoutRoom;
-  room->speed = std::max(room->speed, 1);
-  return room->speed;
-}
-
 void SampleFps(int64_t now) {
   if (now / kSecond != state.fpsSample / kSecond) {
     state.fps = state.frameCounter;
@@ -89,6 +82,13 @@ void AnnouncePad(bool discovered, int32_t pad) {
 
 } // namespace
 
+int32_t Run_RoomSpeed() {
+  CRoom* room = CurrentRoom();
+  if (!room) return kSpeedWithoutRoom;
+  room->speed = std::max(room->speed, 1);
+  return room->speed;
+}
+
 LoopState& Loop() { return state; }
 void Loop_Reset() { state = LoopState{}; }
 
@@ -103,7 +103,7 @@ void Run_Frame() {
   int64_t now = Timing_Time();
   state.frameEnd = now;
   if (now < state.frameStart) state.frameStart = now; // the clock stepped back
-  const int64_t wait = Graphics().alternateSync ? 0 : Run_FrameWait(now, RoomSpeed());
+  const int64_t wait = Graphics_PacesFrames() ? 0 : Run_FrameWait(now, Run_RoomSpeed());
   Profiler_Mark("TimingWait");
   Timing_Wait(wait);
   if (!state.running) return;

@@ -28,6 +28,7 @@ void Loop_Reset();
 // One pass of the loop: waits for the frame's time, feeds audio, runs the frame body, acts on the room
 // request.
 void Run_Frame();
+int32_t Run_RoomSpeed(); // frames a second; 60 without a room
 // Microseconds that the frame function will wait when it is entered now.
 int64_t Run_FrameWait(int64_t now, int32_t roomSpeed);
 

@@ -56,6 +56,8 @@ void ApplyIni(IniFile& ini) {
     const int32_t method = ini.ReadInt(kSection, "VertexBufferMethod", 0);
     if (method >= 0 && method <= 2) graphics.bufferMethod = method;
   }
+  if (has(kSection, "CreateTexturesOnDemand") && ini.ReadInt(kSection, "CreateTexturesOnDemand", 0) != 0)
+    graphics.settings.texturesOnDemand = true;
   if (has(kSection, "AlternateSyncMethod") && !options.alternateSync)
     graphics.alternateSync = ini.ReadInt(kSection, "AlternateSyncMethod", 0) != 0;
   if (has(kSection, "SleepMargin") && !options.sleepMargin)
@@ -244,6 +246,8 @@ void Runner_ApplyOptions() {
   graphics.settings.windowColour = records.windowColour;
   graphics.settings.applicationWidth = header.windowWidth;
   graphics.settings.applicationHeight = header.windowHeight;
+  graphics.settings.oneBatchABuffer = options.manualClear;
+  graphics.settings.compressTextures = options.compressTextures;
   if (options.alternateSync) graphics.alternateSync = true;
   if (options.multipleVertexBuffers) graphics.bufferMethod = 1;
   if (options.noVertexBuffers) graphics.bufferMethod = 2;

@@ -28,6 +28,7 @@ public:
   bool Exists() const override { return m_window != nullptr; }
   const std::string& Failure() const override { return m_failure; }
   Extent DesktopSize() const override;
+  double RefreshRate() const override;
   Extent FrameSize() const override;
   void SetTitle(const std::string& title) override;
   std::string Title() const override;

@@ -106,6 +106,12 @@ Extent CSdlWindow::DesktopSize() const {
   return {mode.w, mode.h};
 }
 
+double CSdlWindow::RefreshRate() const {
+  SDL_DisplayMode mode{};
+  const int display = m_window ? SDL_GetWindowDisplayIndex(m_window) : 0;
+  return StartVideo() && SDL_GetDesktopDisplayMode(std::max(display, 0), &mode) == 0 ? mode.refresh_rate : 0;
+}
+
 Extent CSdlWindow::FrameSize() const {
   int top = 0, left = 0, bottom = 0, right = 0;
   if (m_window && SDL_GetWindowBordersSize(m_window, &top, &left, &bottom, &right) == 0)

@@ -66,8 +66,9 @@ TEST(Text, SizesOfLines) {
     const char* text;
     int width, height;
   } cases[] = {
-      {"", 0, 0},        {"ab", 10, 10},    {"a#bb", 14, 20},  {"#a", 3, 20},  {"a#", 3, 10},
-      {"a\\#b", 10, 10}, {"a\r\nb", 7, 20}, {"a\n\nb", 7, 30}, {"xyz", 0, 10}, {"a zb", 17, 10},
+      {"", 0, 0},           {"ab", 10, 10},    {"a#bb", 14, 20},  {"#a", 3, 20},
+      {"a#", 3, 10},        {"a\\#b", 10, 10}, {"a\r\nb", 7, 20}, {"a\r\n", 3, 10},
+      {"a\r\n\r\n", 3, 20}, {"a\n\nb", 7, 30}, {"xyz", 0, 10},    {"a zb", 17, 10},
   };
   for (const auto& it : cases) {
     EXPECT_EQ(string_width(it.text), it.width) << it.text;
@@ -143,6 +144,33 @@ TEST(Text, TransformedScalesAndTurns) {
   EXPECT_NEAR(v[0].x, 100, 1e-3); // text runs upward
   EXPECT_NEAR(v[0].y, 100, 1e-3);
   EXPECT_NEAR(v[6].y, 93, 1e-3);
+}
+
+// A font of the data: glyphs on a page, each drawn with half a texel more on every side.
+TEST(Text, PageFontsDrawTheirGlyphsFromThePage) {
+  FontStage stage;
+  auto font = std::make_unique<CFontFb>();
+  const PageEntry page = stage.Entry(8, 4, 40, 20);
+  font->page = &page;
+  font->height = 9;
+  font->glyphs = {{'a', 2, 3, 5, 9, 6, 1}, {'b', 10, 3, 4, 9, 5, 0}, {9647, 20, 3, 4, 9, 5, 0}};
+  Fonts().table.push_back(std::move(font));
+  draw_set_font(static_cast<int32_t>(Fonts().table.size()) - 1);
+  EXPECT_EQ(string_width("abz"), 16); // "z" is the box
+  EXPECT_EQ(string_height("a#b"), 18);
+  draw_set_colour(c_red);
+  draw_set_alpha(0.5f);
+  draw_text(100, 50, "ab z");
+  const auto draws = stage.Draws();
+  ASSERT_EQ(draws.size(), 1u);
+  ASSERT_EQ(draws[0].count, 18) << "a blank only moves the pen";
+  EXPECT_EQ(QuadBox(draws[0], 0), (Box{100.5f, 49.5f, 106.5f, 59.5f}));
+  EXPECT_EQ(QuadTexture(draws[0], 0), (Box{9.5f, 6.5f, 15.5f, 16.5f}));
+  EXPECT_EQ(QuadBox(draws[0], 1), (Box{105.5f, 49.5f, 110.5f, 59.5f}));
+  EXPECT_EQ(QuadTexture(draws[0], 1), (Box{17.5f, 6.5f, 22.5f, 16.5f}));
+  EXPECT_EQ(Vertices(draws[0])[0].colour, 0x7FFF0000u);
+  draw_text_transformed(0, 0, "b", 2, 3, 0);
+  EXPECT_EQ(stage.Glyphs()[0], (Box{-1, -1.5f, 9, 28.5f}));
 }
 
 TEST(Text, BuiltInFontServesWhenNoneIsChosen) {

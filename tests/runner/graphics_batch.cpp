@@ -139,6 +139,38 @@ TEST(Batch, ListOfBuffersTakesOneThatRestedFourFrames) {
   EXPECT_EQ(display_get_windows_vertex_buffer_method(), 1);
 }
 
+TEST(Batch, BuffersThatTakeOneBatchEach) {
+  RecordingStage stage;
+  Graphics().settings.oneBatchABuffer = true;
+  display_set_windows_vertex_buffer_method(1);
+  EndFrame(false);
+  BeginFrame();
+  for (int i = 0; i < 3; ++i) {
+    AllocVerts<TexturedVertex>(pr_trianglelist, 1, 6);
+    FlushBatch();
+  }
+  EXPECT_EQ(stage.device.buffersMade, 3);
+  EXPECT_EQ(Batch_Statistics().bytes, int64_t{3} * kSingleCapacity * 24);
+  EXPECT_EQ(stage.Draws().size(), 3u);
+}
+
+TEST(Batch, AFormatCodeGivesTheSizeOfItsVertices) {
+  RecordingStage stage;
+  // Position and texture coordinates: 20 bytes.
+  AllocVertsBytes(pr_trianglelist, 1, kVertexPosition | kVertexTexture, 3);
+  AllocVertsBytes(pr_trianglelist, 1, kVertexPosition | kVertexTexture, 3);
+  AllocVertsBytes(pr_trianglelist, 1, 36, 3);
+  const auto draws = stage.Draws();
+  ASSERT_EQ(draws.size(), 2u);
+  EXPECT_EQ(draws[0].stride, 20);
+  EXPECT_EQ(draws[0].count, 6);
+  EXPECT_EQ(draws[1].stride, 36);
+  EXPECT_EQ(VertexStride(66), 16);
+  EXPECT_EQ(VertexStride(322), 24);
+  EXPECT_EQ(VertexStride(338), 36);
+  EXPECT_EQ(VertexColourAt(338), 24);
+}
+
 TEST(Batch, AllMethodsDrawTheSameVertices) {
   for (const int method : {0, 1, 2}) {
     RecordingStage stage;
@@ -208,6 +240,26 @@ TEST(RenderStates, SentAtTheFlushAndOnlyWhenDifferent) {
   texture_set_interpolation(true);
   FlushBatch();
   EXPECT_EQ(RenderStates().SamplerState(7, kSamplerMinify), 1u);
+}
+
+// After game_restart: what the device holds then is not what the cache starts with.
+TEST(RenderStates, AResetCacheSendsAlsoWhatIsSetToZero) {
+  RecordingStage stage;
+  RenderStates().Reset();
+  draw_enable_alphablend(false);
+  texture_set_repeat(true);
+  stage.device.Forget();
+  FlushBatch();
+  int blending = -1, address = -1;
+  for (const auto& call : stage.device.calls) {
+    if (call.kind == Kind::State && call.index == kStateBlending) blending = static_cast<int>(call.value);
+    if (call.kind == Kind::Sampler && call.index == kSamplerAddressU) address = static_cast<int>(call.value);
+  }
+  EXPECT_EQ(blending, 0);
+  EXPECT_EQ(address, 0);
+  stage.device.Forget();
+  RenderStates().ResendAll(stage.device);
+  EXPECT_GT(StateCalls(stage.device), 30);
 }
 
 TEST(RenderStates, ABatchIsDrawnWithTheStatesOfItsTime) {

@@ -273,6 +273,24 @@ TEST_P(Pictures, TextInTheBuiltInFontReadsAsWritten) {
   Expect(canvas, 0);
 }
 
+TEST_P(Pictures, TextOfAPageFontIsThePiecesOfItsPage) {
+  auto font = std::make_unique<CFontFb>();
+  const PageEntry page = stage->Entry(0, 0, 64, 64);
+  font->page = &page;
+  font->height = 10;
+  font->glyphs = {{'a', 4, 6, 7, 10, 9, 1}, {'b', 16, 20, 5, 10, 6, 0}};
+  font->texelOffset = 0; // the page has no room between its pixels
+  Fonts().table.push_back(std::move(font));
+  draw_set_font(static_cast<int32_t>(Fonts().table.size()) - 1);
+  draw_set_colour(c_white);
+  draw_text(10, 12, "ab#b");
+  Canvas canvas;
+  canvas.Fill(11, 12, 18, 22, [](int x, int y, Rgba) { return PagePixel(4 + x, 6 + y); });
+  canvas.Fill(19, 12, 24, 22, [](int x, int y, Rgba) { return PagePixel(16 + x, 20 + y); });
+  canvas.Fill(10, 22, 15, 32, [](int x, int y, Rgba) { return PagePixel(16 + x, 20 + y); });
+  Expect(canvas, 0);
+}
+
 TEST(PngImage, RoundTripAndBrokenOnes) {
   PngImage image{3, 2, {}};
   for (int i = 0; i < 24; ++i) image.pixels.push_back(static_cast<uint8_t>(i * 10));

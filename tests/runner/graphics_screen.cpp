@@ -7,6 +7,7 @@
 #include "Files/Graphics/Surface.h"
 #include "Files/Graphics/Texture.h"
 #include "Files/Graphics/View.h"
+#include "Files/IO/IO.h"
 #include "Files/Room/Function_Tile.h"
 #include "Files/Sprite/DrawSprite.h"
 #include "tests/runner/SmallGame.h"
@@ -303,6 +304,68 @@ TEST(DrawScreen, SwitchedOffResizedAndRemade) {
   application_surface_enable(true);
   s.Draw();
   EXPECT_EQ(surface_get_width(application_surface()), 192); // the size it had
+}
+
+TEST(DrawScreen, AViewIntoASurfaceTakesTheWholeOfIt) {
+  ScreenStage s;
+  const int object = s.game.Object("looker");
+  s.game.On(object, ev_draw, ev_draw_normal, [](Self, Self) {
+    Log(std::to_string(View().viewportX) + "," + std::to_string(View().viewportW));
+  });
+  s.game.Start();
+  instance_create(0, 0, object);
+  s.Draw();
+  Events();
+  CRoom& room = s.room();
+  room.viewsEnabled = true;
+  for (const size_t view : {0, 1})
+    room.views[view] = {.visible = true, .wview = 384, .hview = 216, .wport = 384, .hport = 216};
+  room.views[1].xport = 384;
+  const int own = surface_create(100, 50);
+  room.views[0].surface = own;
+  s.Draw();
+  EXPECT_EQ(Events(), "0,100 192,192");
+  EXPECT_EQ(Screen().viewCurrent, 7) << "as the loop over the views leaves it";
+  room.views[0].surface = -1;
+  room.views[1].surface = application_surface(); // the target already
+  s.Draw();
+  EXPECT_EQ(Events(), "0,192 0,384");
+}
+
+TEST(DrawScreen, TheCursorSpriteFollowsTheMouseInTheWindow) {
+  ScreenStage s(385, 217); // odd: the picture still meets the pixels
+  s.game.Start();
+  Screen().cursorSprite = s.stage.Piece(0, 0, 8, 8, 2, 3);
+  Input().mice[0].x = 50;
+  Input().mice[0].y = 60;
+  s.Draw();
+  const auto draws = s.stage.device.Draws();
+  ASSERT_FALSE(draws.empty());
+  EXPECT_EQ(QuadBox(draws.back()), (Box{48, 57, 56, 65}));
+  EXPECT_EQ(View().matrices[kMatrixView].m[12], -192.5f);
+  EXPECT_EQ(View().matrices[kMatrixView].m[13], -108.5f);
+  EXPECT_EQ(View().matrices[kMatrixProjection].m[0], 2.0f / 385);
+  Input().mice[0] = {};
+}
+
+// With the alternate method a frame's end waits; over time the frames keep their period.
+TEST(DrawScreen, AlternateSyncPacesFramesAtTheirEnd) {
+  ScreenStage s;
+  s.game.Start();
+  GraphicsState& g = Graphics();
+  g.alternateSync = true;
+  EXPECT_FALSE(Graphics_PacesFrames()); // presentation is not synchronised
+  g.settings.synchronised = true;
+  ASSERT_TRUE(Graphics_PacesFrames());
+  int64_t first = 0, last = 0;
+  for (int frame = 0; frame < 60; ++frame) {
+    BeginFrame();
+    s.stage.platform.clock.Advance(frame % 3 == 0 ? 12000 : 2000); // work
+    EndFrame(true);
+    last = s.stage.platform.clock.Microseconds();
+    if (frame == 9) first = last;
+  }
+  EXPECT_NEAR(static_cast<double>(last - first), 50 * 1e6 / 60, 17000);
 }
 
 TEST(DrawScreen, AnUnbalancedStackEndsThePassBeforeTheGui) {

@@ -384,7 +384,7 @@ private:
   void SwapColours(uint32_t format, int32_t stride, const uint8_t* data, size_t bytes) {
     m_swapped.assign(data, data + bytes);
     if (!(format & kVertexColour)) return;
-    const size_t at = format & kVertexNormal ? 24 : 12;
+    const auto at = static_cast<size_t>(VertexColourAt(format));
     for (size_t vertex = at; vertex + 4 <= bytes; vertex += static_cast<size_t>(stride))
       std::swap(m_swapped[vertex], m_swapped[vertex + 2]);
   }
@@ -423,11 +423,16 @@ private:
       glEnableVertexAttribArray(attribute);
       glVertexAttribPointer(attribute, size, type, normalised, stride, base + offset);
     };
-    const ptrdiff_t colour = format & kVertexNormal ? 24 : 12;
+    const ptrdiff_t colour = VertexColourAt(format);
     pointer(kAttributePosition, 3, GL_FLOAT, GL_FALSE, 0);
-    pointer(kAttributeColour, 4, GL_UNSIGNED_BYTE, GL_TRUE, colour);
+    if (format & kVertexColour) {
+      pointer(kAttributeColour, 4, GL_UNSIGNED_BYTE, GL_TRUE, colour);
+    } else {
+      glDisableVertexAttribArray(kAttributeColour);
+      glVertexAttrib4f(kAttributeColour, 1, 1, 1, 1);
+    }
     if (format & kVertexTexture) {
-      pointer(kAttributeTexture, 2, GL_FLOAT, GL_FALSE, colour + 4);
+      pointer(kAttributeTexture, 2, GL_FLOAT, GL_FALSE, colour + (format & kVertexColour ? 4 : 0));
     } else {
       glDisableVertexAttribArray(kAttributeTexture);
       glVertexAttrib4f(kAttributeTexture, 0, 0, 0, 1);

@@ -216,7 +216,7 @@ private:
     const auto snap = [](double value) { return std::round(value * 256) / 256; };
     corner.x = snap(m_viewport[0] + (clipX + 1) / 2 * m_viewport[2]);
     corner.y = snap(m_viewport[1] + (1 - clipY) / 2 * m_viewport[3]);
-    const size_t colourAt = format & kVertexNormal ? 24 : 12;
+    const auto colourAt = static_cast<size_t>(VertexColourAt(format));
     const uint8_t* colour = vertex + colourAt;
     corner.colour = {double(colour[2]), double(colour[1]), double(colour[0]), double(colour[3])};
     float texture[2] = {0, 0};
