@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include <cerrno>
 #include <dlfcn.h>
 
 namespace vesk {
@@ -11,10 +12,12 @@ CLibrary& CLibrary::operator=(CLibrary&& other) noexcept {
   return *this;
 }
 
-bool CLibrary::Open(const std::string& path, std::string* why) {
+bool CLibrary::Open(const std::string& path, std::string* why, int* code) {
   Close();
+  errno = 0;
   m_handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (m_handle) return true;
+  if (code) *code = errno ? errno : ENOEXEC;
   if (why) {
     const char* reason = dlerror();
     *why = reason ? reason : "the library can't be loaded";

@@ -13,7 +13,7 @@ public:
   CLibrary(CLibrary&& other) noexcept : m_handle(other.m_handle) { other.m_handle = nullptr; }
   CLibrary& operator=(CLibrary&& other) noexcept;
 
-  bool Open(const std::string& path, std::string* why = nullptr);
+  bool Open(const std::string& path, std::string* why = nullptr, int* code = nullptr);
   void Close();
   bool IsOpen() const { return m_handle != nullptr; }
   // Address of an exported function; null when it has none of that name. Valid while the library is open.

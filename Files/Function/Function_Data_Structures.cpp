@@ -16,7 +16,9 @@ namespace vesk {
 
 namespace {
 
-void ReportBadId() { ReportError("Data structure with index does not exist."); }
+constexpr int32_t kLongestList = 1 << 26; // elements: 1 GB
+
+void ReportBadId() { Ds_ReportBadId(); }
 
 CDS_Map* MapOf(int32_t id) {
   CDS_Map* map = Ds().maps.Find(id);
@@ -50,6 +52,8 @@ bool ChildListExists(int32_t child) {
 }
 
 } // namespace
+
+void Ds_ReportBadId() { ReportError("Data structure with index does not exist."); }
 
 bool ds_exists(int32_t id, int32_t type) {
   const CLock lock(Ds_Mutex());
@@ -216,15 +220,30 @@ RValue ds_list_find_value(int32_t id, int32_t position) {
   return WithoutMarks(list->values[static_cast<size_t>(position)]);
 }
 
-void ds_list_shuffle(int32_t id) {
+void ds_list_set(int32_t id, int32_t position, const RValue& value) {
   CDS_List* list = ListOf(id);
-  if (!list || list->values.size() < 2) return;
-  const auto size = static_cast<uint32_t>(list->values.size());
+  if (!list || position < 0) return;
+  if (position >= kLongestList) {
+    ReportError("ds_list_set: a list of %d elements is not possible", position);
+    return;
+  }
+  if (static_cast<size_t>(position) >= list->values.size())
+    list->values.resize(static_cast<size_t>(position) + 1, RValue(0.0));
+  list->values[static_cast<size_t>(position)] = WithoutMarks(value);
+}
+
+void Ds_Shuffle(std::vector<RValue>& values) {
+  const auto size = static_cast<uint32_t>(values.size());
+  if (size < 2) return;
   for (uint64_t swaps = uint64_t{8} * size; swaps > 0; --swaps) {
     const uint32_t first = Random_Next() % size;
     const uint32_t second = Random_Next() % size;
-    if (first != second) std::swap(list->values[first], list->values[second]);
+    if (first != second) std::swap(values[first], values[second]);
   }
+}
+
+void ds_list_shuffle(int32_t id) {
+  if (CDS_List* list = ListOf(id)) Ds_Shuffle(list->values);
 }
 
 // ---- text ----
@@ -297,14 +316,6 @@ void ListInsert(int32_t id, int32_t position, const RValue& value) {
 void ListReplace(int32_t id, int32_t position, const RValue& value) {
   if (RValue* element = ElementOf(id, position)) *element = WithoutMarks(value);
 }
-// Grows the list with zeros up to the position.
-void ListSet(int32_t id, int32_t position, const RValue& value) {
-  CDS_List* list = ListOf(id);
-  if (!list || position < 0) return;
-  if (static_cast<size_t>(position) >= list->values.size())
-    list->values.resize(static_cast<size_t>(position) + 1, RValue(0.0));
-  list->values[static_cast<size_t>(position)] = WithoutMarks(value);
-}
 void ListDelete(int32_t id, int32_t position) {
   if (ElementOf(id, position)) {
     CDS_List* list = Ds().lists.Find(id);
@@ -313,7 +324,7 @@ void ListDelete(int32_t id, int32_t position) {
 }
 int32_t ListFindIndex(int32_t id, const RValue& wanted) {
   const CDS_List* list = ListOf(id);
-  if (!list) return -1;
+  if (!list) return 0;
   const auto found = std::find_if(list->values.begin(), list->values.end(),
                                   [&](const RValue& value) { return Ds_Equal(value, wanted); });
   return found == list->values.end() ? -1 : static_cast<int32_t>(found - list->values.begin());
@@ -358,11 +369,13 @@ template <auto Table> void Append(int32_t id, Args values) {
 }
 template <auto Table> RValue Front(int32_t id) {
   const auto* structure = Structure<Table>(id);
-  return structure && !structure->values.empty() ? structure->values.front() : RValue();
+  if (!structure) return 0;
+  return structure->values.empty() ? RValue() : structure->values.front();
 }
 template <auto Table> RValue Back(int32_t id) {
   const auto* structure = Structure<Table>(id);
-  return structure && !structure->values.empty() ? structure->values.back() : RValue();
+  if (!structure) return 0;
+  return structure->values.empty() ? RValue() : structure->values.back();
 }
 
 constexpr auto kStacks = &DsState::stacks;
@@ -419,7 +432,8 @@ void PriorityChange(int32_t id, const RValue& value, const RValue& priority) {
 }
 RValue PriorityOf(int32_t id, const RValue& value) {
   CDS_Priority* queue = Structure<kPriorities>(id);
-  const CDS_Priority::Item* item = queue ? ItemOf(*queue, value) : nullptr;
+  if (!queue) return 0;
+  const CDS_Priority::Item* item = ItemOf(*queue, value);
   return item ? item->priority : RValue();
 }
 void PriorityDeleteValue(int32_t id, const RValue& value) {
@@ -429,7 +443,8 @@ void PriorityDeleteValue(int32_t id, const RValue& value) {
 }
 template <bool kLowest, bool kDelete> RValue PriorityExtreme(int32_t id) {
   CDS_Priority* queue = Structure<kPriorities>(id);
-  if (!queue || queue->items.empty()) return {};
+  if (!queue) return 0;
+  if (queue->items.empty()) return {};
   const auto item = kLowest ? std::min_element(queue->items.begin(), queue->items.end(), LowerPriority)
                             : std::max_element(queue->items.begin(), queue->items.end(), LowerPriority);
   RValue value = item->value;
@@ -481,7 +496,8 @@ RValue* CellOf(int32_t id, int32_t x, int32_t y) {
 }
 RValue GridGet(int32_t id, int32_t x, int32_t y) {
   const RValue* cell = CellOf(id, x, y);
-  return cell ? *cell : RValue();
+  if (cell) return *cell;
+  return Ds().grids.Find(id) ? RValue() : RValue(0);
 }
 
 enum class CellChange { Set, Add, Multiply };
@@ -636,7 +652,7 @@ constexpr BuiltinRow kBuiltins[] = {
     Builtin<&ListCopy>("ds_list_copy"),
     Builtin<&ListInsert>("ds_list_insert"),
     Builtin<&ListReplace>("ds_list_replace"),
-    Builtin<&ListSet>("ds_list_set"),
+    Builtin<&ds_list_set>("ds_list_set"),
     Builtin<&ListDelete>("ds_list_delete"),
     Builtin<&ListFindIndex>("ds_list_find_index"),
     Builtin<&ListSort>("ds_list_sort"),
@@ -712,6 +728,10 @@ constexpr BuiltinRow kBuiltins[] = {
 
 } // namespace
 
-void Function_AddDs() { Function_Add(kBuiltins); }
+void Function_AddDs() {
+  Function_Add(kBuiltins);
+  Function_AddDsText();
+  Function_AddDsGrid();
+}
 
 } // namespace vesk

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace vesk {
 
@@ -46,7 +47,16 @@ void ds_list_destroy(int32_t id);
 void ds_list_add(int32_t id, const RValue& value);
 int32_t ds_list_size(int32_t id);
 RValue ds_list_find_value(int32_t id, int32_t position); // undefined outside 0 to size - 1
+// Grows the list with zeros up to the position.
+void ds_list_set(int32_t id, int32_t position, const RValue& value);
 void ds_list_shuffle(int32_t id);
+
+// ---- for the families of these built-ins ----
+
+void Ds_ReportBadId();
+void Ds_Shuffle(std::vector<RValue>& values); // 8 swaps an element with the game's generator
+void Function_AddDsText();                    // _write and _read, ds_map_secure_*
+void Function_AddDsGrid();                    // grids among themselves, shuffle, sort
 
 std::string json_encode(int32_t map);    // "" for a bad id, without a report
 int32_t json_decode(const RValue& text); // a new map; -1 for text that can't be kept even as text

@@ -90,7 +90,7 @@ void DrawPart(int32_t id, const PagePart& part, const PagePlace& place) {
 int32_t surface_create_special(int32_t width, int32_t height, int32_t) {
   return surface_create(width, height);
 }
-int32_t surface_create_ext(std::string_view, int32_t width, int32_t height, Args) {
+int32_t surface_create_ext(std::string_view, int32_t width, int32_t height) {
   return surface_create(width, height);
 }
 

@@ -84,7 +84,9 @@ constexpr Family kFamilies[] = {
      "draw_set_blend_mode_ext/2 draw_set_colour_write_enable/4 draw_set_alpha_test/1 "
      "draw_set_alpha_test_ref_value/1 draw_set_colour/1 draw_set_color/1 draw_get_colour/0 draw_set_alpha/1 "
      "draw_get_alpha/0 make_colour_rgb/3 make_color_rgb/3 draw_point/2 draw_line/4 draw_line_width/5 "
-     "draw_line_colour/6 draw_rectangle/5 texture_set_interpolation/1 texture_set_repeat/1"},
+     "draw_line_colour/6 draw_rectangle/5 draw_circle/4 draw_ellipse/5 draw_triangle/7 draw_roundrect/5 "
+     "draw_healthbar/11 draw_primitive_begin/1 draw_vertex/2 draw_vertex_colour/4 draw_primitive_end/0 "
+     "texture_set_interpolation/1 texture_set_repeat/1"},
     {"sprite",
      "draw_sprite/4 draw_sprite_ext/9 draw_sprite_part/8 draw_sprite_part_ext/12 draw_sprite_stretched/6 "
      "draw_sprite_stretched_ext/8 draw_sprite_tiled/4 draw_sprite_tiled_ext/8 draw_sprite_general/16 "
@@ -96,7 +98,8 @@ constexpr Family kFamilies[] = {
      "draw_background_tiled_ext/7 draw_background_general/15 background_exists/1 background_get_width/1 "
      "background_get_height/1 background_create_from_surface/* background_delete/1"},
     {"surface",
-     "surface_create/2 surface_exists/1 surface_free/1 surface_get_width/1 surface_get_height/1 "
+     "surface_create/2 surface_create_ext/3 surface_create_special/3 surface_exists/1 surface_free/1 "
+     "surface_get_width/1 surface_get_height/1 "
      "surface_resize/3 surface_set_target/1 surface_reset_target/0 surface_set_target_ext/2 draw_surface/3 "
      "draw_surface_ext/8 draw_surface_part/7 draw_surface_part_ext/11 draw_surface_stretched/5 "
      "draw_surface_stretched_ext/7 draw_surface_tiled/3 draw_surface_tiled_ext/7 draw_surface_general/15 "
@@ -140,6 +143,11 @@ constexpr Family kFamilies[] = {
      "gamepad_add_hardware_mapping_from_file/1 gamepad_get_hardware_mappings/0 gamepad_set_colour/2 "
      "gamepad_set_color/2"},
     {"structure",
+     "ds_map_write/1 ds_map_read/* ds_map_secure_save/2 ds_map_secure_load/1 ds_map_set_pre/3 "
+     "ds_map_set_post/3 ds_list_set_pre/3 ds_list_set_post/3 ds_list_write/1 ds_list_read/* ds_stack_write/1 "
+     "ds_stack_read/* ds_queue_write/1 ds_queue_read/* ds_grid_write/1 ds_grid_read/* ds_priority_write/1 "
+     "ds_priority_read/* ds_grid_shuffle/1 ds_grid_sort/3 ds_grid_set_grid_region/8 "
+     "ds_grid_add_grid_region/8 ds_grid_multiply_grid_region/8 "
      "ds_exists/2 ds_set_precision/1 ds_map_create/* ds_map_destroy/1 ds_map_add/3 ds_map_add_map/3 "
      "ds_map_add_list/3 ds_map_replace/3 ds_map_replace_map/3 ds_map_replace_list/3 ds_map_set/3 "
      "ds_map_delete/2 ds_map_exists/2 ds_map_find_value/2 ds_map_find_first/1 ds_map_find_last/1 "
@@ -188,16 +196,10 @@ constexpr Absence kAbsences[] = {
     {"pictures come from the container, sprites and fonts are not loaded from files",
      "sprite_add/6 sprite_replace/7 sprite_create_from_surface/9 background_add/3 font_add/6"},
     {"collision kinds come from the container", "sprite_collision_mask/9"},
-    {"surfaces have one pixel format", "surface_create_ext/3 surface_create_special/3"},
-    {"shapes are rectangles and lines",
-     "draw_circle/4 draw_ellipse/5 draw_triangle/7 draw_roundrect/5 draw_healthbar/11 "
-     "draw_primitive_begin/1"},
     {"rooms have no layers", "instance_create_layer/4"},
     {"rooms come from the container",
      "room_add/0 room_duplicate/1 room_assign/2 room_instance_add/4 room_tile_add/9"},
     {"an action of the drag-and-drop forms, which no data uses", "instance_sprite/3"},
-    {"text forms of structures are JSON",
-     "ds_map_write/1 ds_map_read/* ds_list_write/1 ds_list_read/* ds_map_secure_save/2 ds_map_secure_load/1"},
 };
 
 std::vector<CataloguedBuiltin> Rows(const char* family, const char* text, const char* reason) {

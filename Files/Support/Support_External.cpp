@@ -71,9 +71,11 @@ std::shared_ptr<LoadedLibrary> Load(const std::string& name) {
   const std::string folder = Path_Folder(path);
   if (!folder.empty()) Directory_SetCurrent(folder);
   std::string why;
-  const bool loaded = library->handle.Open(path, &why);
+  int code = 0;
+  const bool loaded = library->handle.Open(path, &why, &code);
   Directory_SetCurrent(before);
   if (loaded) return library;
+  ErrorConsole().Output("LoadLibraryA failed with error code %d\n", code);
   ErrorConsole().Output("The library %s can't be loaded: %s\n", name.c_str(), why.c_str());
   return nullptr;
 }

@@ -55,6 +55,91 @@ protected:
   }
 };
 
+// Each kind written and read back into another one of its kind; broken texts change nothing.
+TEST_F(Structures, TextFormsComeBackWhole) {
+  RValue array;
+  *ArrayElementForWrite(array, 1) = RValue("b");
+  *ArrayElementForWrite(array, 32000) = RValue(7);
+  const int32_t list = ds_list_create(), map = ds_map_create();
+  for (const RValue& value : {RValue(1.5), RValue("two\n"), RValue(), array, RValue("")}) {
+    ds_list_add(list, value);
+    Call("ds_map_add", {map, "key " + std::to_string(ds_map_size(map)), value});
+  }
+  Call("ds_map_add", {map, 5, -3});
+  const auto reread = [&](const char* kind, const RValue& id) {
+    const std::string name = std::string("ds_") + kind;
+    const RValue text = Call((name + "_write").c_str(), {id});
+    EXPECT_FALSE(text.Text().empty());
+    const RValue other =
+        std::string(kind) == "grid" ? Call("ds_grid_create", {1, 1}) : Call((name + "_create").c_str(), {});
+    Call((name + "_read").c_str(), {other, text});
+    EXPECT_EQ(Call((name + "_write").c_str(), {other}).Text(), text.Text()) << kind;
+    const std::string whole(text.Text());
+    for (size_t cut = 0; cut < whole.size(); cut += 3) {
+      Error().lastReport.clear();
+      Call((name + "_read").c_str(), {other, whole.substr(0, cut)});
+      EXPECT_FALSE(Error().lastReport.empty()) << kind << " cut at " << cut;
+    }
+    EXPECT_EQ(Call((name + "_write").c_str(), {other}).Text(), text.Text()) << kind << " after broken texts";
+    return other;
+  };
+  const RValue copy = reread("list", list);
+  EXPECT_EQ(Call("ds_list_find_value", {copy, 1}).Text(), "two\n");
+  EXPECT_TRUE(Call("ds_list_find_value", {copy, 2}).IsUndefined());
+  const RValue read = Call("ds_list_find_value", {copy, 3});
+  EXPECT_EQ(ArrayElementForRead(read, 1)->Text(), "b");
+  EXPECT_EQ(ArrayElementForRead(read, 32000)->real, 7);
+  const RValue otherMap = reread("map", map);
+  EXPECT_EQ(Call("ds_map_find_value", {otherMap, 5}).real, -3);
+  EXPECT_EQ(Call("ds_map_find_first", {otherMap}).Text(), Call("ds_map_find_first", {map}).Text());
+  const RValue stack = Call("ds_stack_create", {}), queue = Call("ds_queue_create", {}),
+               priority = Call("ds_priority_create", {}), grid = Call("ds_grid_create", {3, 2});
+  Call("ds_stack_push", {stack, 1, "x"});
+  Call("ds_queue_enqueue", {queue, 1, "x"});
+  Call("ds_priority_add", {priority, "x", 4});
+  Call("ds_grid_set", {grid, 2, 1, "x"});
+  EXPECT_EQ(Call("ds_stack_top", {reread("stack", stack)}).Text(), "x");
+  EXPECT_EQ(Call("ds_queue_head", {reread("queue", queue)}).real, 1);
+  EXPECT_EQ(Call("ds_priority_find_max", {reread("priority", priority)}).Text(), "x");
+  EXPECT_EQ(Call("ds_grid_get", {reread("grid", grid), 2, 1}).Text(), "x");
+  Error().lastReport.clear();
+  Call("ds_stack_read", {stack, Call("ds_queue_write", {queue})});
+  EXPECT_FALSE(Error().lastReport.empty()) << "a text of another kind";
+}
+
+TEST_F(Structures, GridsAmongThemselvesAndElementsInPlace) {
+  const RValue grid = Call("ds_grid_create", {2, 3}), other = Call("ds_grid_create", {4, 4});
+  const int rows[3][2] = {{3, 30}, {1, 10}, {2, 20}};
+  for (int y = 0; y < 3; ++y)
+    for (int x = 0; x < 2; ++x) Call("ds_grid_set", {grid, x, y, rows[y][x]});
+  Call("ds_grid_sort", {grid, 0, true});
+  for (int y = 0; y < 3; ++y) EXPECT_EQ(Call("ds_grid_get", {grid, 1, y}).real, 10 * (y + 1));
+  Call("ds_grid_set_grid_region", {other, grid, 0, 0, 1, 2, 3, 2}); // only its first column and two rows fit
+  EXPECT_EQ(Call("ds_grid_get", {other, 3, 3}).real, 2);
+  EXPECT_EQ(Call("ds_grid_get_sum", {other, 0, 0, 3, 3}).real, 3);
+  Call("ds_grid_add_grid_region", {other, grid, 0, 0, 0, 0, 3, 3});
+  EXPECT_EQ(Call("ds_grid_get", {other, 3, 3}).real, 3);
+  Call("ds_grid_multiply_grid_region", {other, other, 3, 3, 3, 3, 3, 2});
+  EXPECT_EQ(Call("ds_grid_get", {other, 3, 2}).real, 3);
+  Call("ds_grid_shuffle", {grid});
+  EXPECT_EQ(Call("ds_grid_get_sum", {grid, 0, 0, 1, 2}).real, 66);
+
+  const int32_t list = ds_list_create(), map = ds_map_create();
+  ds_list_add(list, 5);
+  EXPECT_EQ(Call("ds_list_set_post", {list, 0, 6}).real, 5);
+  EXPECT_EQ(Call("ds_list_set_pre", {list, 0, 7}).real, 7);
+  EXPECT_EQ(ds_list_find_value(list, 0).real, 7);
+  EXPECT_TRUE(Call("ds_map_set_post", {map, "a", 1}).IsUndefined());
+  EXPECT_EQ(Call("ds_map_set_pre", {map, "a", 2}).real, 2);
+  EXPECT_EQ(Call("ds_map_set_post", {map, "a", 3}).real, 2);
+  Error().lastReport.clear();
+  Call("ds_list_set", {list, 2000000000, 1});
+  EXPECT_FALSE(Error().lastReport.empty());
+  for (const char* name : {"ds_stack_pop", "ds_stack_top", "ds_queue_head", "ds_queue_dequeue",
+                           "ds_priority_find_min", "ds_priority_delete_max"})
+    EXPECT_EQ(Call(name, {99}).kind, static_cast<uint32_t>(kReal)) << name << " of a bad id is 0";
+}
+
 } // namespace
 
 TEST_F(Structures, IdsAreReusedLowestFirstAndEachKindCountsAlone) {

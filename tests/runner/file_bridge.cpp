@@ -196,6 +196,7 @@ TEST_F(FileSystem, ALibraryBesideTheGameIsCalledWithEveryShape) {
   const std::string library = m_folder + "bundle/shapes.so";
   if (std::system(("cc -shared -fPIC -o " + library + " " + m_folder + "bundle/shapes.c").c_str()) != 0)
     GTEST_SKIP() << "no C compiler";
+  const std::string before = Directory_Current();
   Directory_SetCurrent(Directory_Temporary());
   const RValue six = Call("external_define", {"shapes.so", "six", 0, 0, 6, 0, 0, 0, 0, 0, 0});
   EXPECT_EQ(Call("external_call", {six, 1, 2, 3, 4, 5, 6}).real, 654321);
@@ -207,6 +208,7 @@ TEST_F(FileSystem, ALibraryBesideTheGameIsCalledWithEveryShape) {
   ds_map_destroy(map);
   EXPECT_EQ(External_LibraryCount(), 1);
   EXPECT_EQ(Error().fatalCount, 0);
+  Directory_SetCurrent(before);
 }
 
 TEST_F(FileSystem, BadDefinitionsAreReported) {

@@ -38,7 +38,7 @@ struct ShapeStage : Stage {
       for (int x = 0; x < kSide; ++x) count += Lit(x, y);
     return count;
   }
-  Picture picture;
+  WindowPicture picture;
 };
 
 TEST(Shapes, CirclesAndEllipsesLieAboutTheirPixels) {
