@@ -2,6 +2,7 @@
 
 #include "pack/PlaceholderSound.h"
 #include "pack/TextSource.h"
+#include "pack/soundstudio/SoundStudio.h"
 
 #include <algorithm>
 #include <fstream>
@@ -73,6 +74,7 @@ std::string CachedPlaceholder(const fs::path& cache, int number, const std::stri
 
 void ReadSounds(const fs::path& assets, const fs::path& cache, Game& game) {
   const Table table(assets / "sounds.tsv");
+  const SoundStudio studio(assets, cache);
   for (size_t row = 0; row < table.Rows(); ++row) {
     const bool music = table.Text(row, "kind") == "music";
     Sound sound;
@@ -86,7 +88,9 @@ void ReadSounds(const fs::path& assets, const fs::path& cache, Game& game) {
     const double seconds = table.Real(row, "length_s");
     if (!(seconds > 0 && seconds < 600))
       table.Fail(row, "a sound lasts more than 0 and less than 600 seconds");
-    sound.data = CachedPlaceholder(cache, static_cast<int>(row), table.Text(row, "length_s"), seconds, music);
+    sound.data = studio.Has(sound.name) ? studio.Ogg(sound.name)
+                                        : CachedPlaceholder(cache, static_cast<int>(row),
+                                                            table.Text(row, "length_s"), seconds, music);
     game.sounds.push_back(std::move(sound));
   }
 }
@@ -132,7 +136,9 @@ std::vector<std::string> Placeholders(const fs::path& assets) {
   for (const PictureSpec& spec : studio.Specs())
     if (!studio.Has(spec.name)) names.push_back(spec.name);
   const Table sounds(assets / "sounds.tsv");
-  for (size_t row = 0; row < sounds.Rows(); ++row) names.push_back(sounds.Text(row, "name"));
+  const SoundStudio soundStudio(assets);
+  for (size_t row = 0; row < sounds.Rows(); ++row)
+    if (!soundStudio.Has(sounds.Text(row, "name"))) names.push_back(sounds.Text(row, "name"));
   return names;
 }
 

@@ -22,9 +22,9 @@ struct Encoder {
   vorbis_block block;
   ogg_stream_state stream;
 
-  explicit Encoder(float quality) {
+  Encoder(float quality, int channels) {
     vorbis_info_init(&info);
-    if (vorbis_encode_init_vbr(&info, 1, kSoundRate, quality) != 0) {
+    if (vorbis_encode_init_vbr(&info, channels, kSoundRate, quality) != 0) {
       vorbis_info_clear(&info);
       throw std::runtime_error("the Vorbis encoder does not start");
     }
@@ -72,15 +72,17 @@ void WriteBlocks(Encoder& encoder, std::string& file) {
 
 } // namespace
 
-std::string EncodeOgg(std::span<const float> samples, float quality) {
+std::string EncodeOgg(std::span<const float> samples, float quality, int channels) {
   constexpr size_t kBlock = 4096;
-  Encoder encoder(quality);
+  Encoder encoder(quality, channels);
+  const size_t step = static_cast<size_t>(channels), frames = samples.size() / step;
   std::string file;
   WriteHeaders(encoder, file);
-  for (size_t at = 0; at < samples.size(); at += kBlock) {
-    const size_t count = std::min(kBlock, samples.size() - at);
+  for (size_t at = 0; at < frames; at += kBlock) {
+    const size_t count = std::min(kBlock, frames - at);
     float** buffer = vorbis_analysis_buffer(&encoder.dsp, static_cast<int>(count));
-    std::copy_n(samples.data() + at, count, buffer[0]);
+    for (size_t i = 0; i < count; ++i)
+      for (size_t c = 0; c < step; ++c) buffer[c][i] = samples[(at + i) * step + c];
     vorbis_analysis_wrote(&encoder.dsp, static_cast<int>(count));
     WriteBlocks(encoder, file);
   }

@@ -1,12 +1,75 @@
-// Looks at the pictures: contact sheets and a check against the tables.
+// Looks at the pictures: contact sheets and a check against the tables. Looks at sounds too.
+#include "pack/soundstudio/Figures.h"
+#include "pack/soundstudio/SongRender.h"
+#include "pack/soundstudio/SoundStudio.h"
 #include "pack/studio/Studio.h"
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <exception>
+#include <fstream>
+
+namespace {
+
+using namespace vesk;
+
+void WriteWav(const std::filesystem::path& file, const sound::Track& track) {
+  int channels = 1;
+  const std::vector<int16_t> pcm = sound::ToPcm(track, channels);
+  const auto bytes = static_cast<uint32_t>(pcm.size() * 2), rate = static_cast<uint32_t>(sound::kRate);
+  const auto width = static_cast<uint32_t>(channels) * 2;
+  const uint32_t words[] = {0x46464952, bytes + 36,   0x45564157,
+                            0x20746d66, 16,           1u | static_cast<uint32_t>(channels) << 16,
+                            rate,       rate * width, width | 16u << 16,
+                            0x61746164, bytes};
+  std::ofstream out(file, std::ios::binary);
+  out.write(reinterpret_cast<const char*>(words), sizeof words);
+  out.write(reinterpret_cast<const char*>(pcm.data()), static_cast<std::streamsize>(bytes));
+  if (!out) throw std::runtime_error(file.string() + ": can't be written");
+}
+
+struct Listening {
+  std::string prefix, wav, picture;
+  bool scoreOnly = false;
+};
+
+// Figures, and on demand samples and pictures, of all sounds whose names begin so.
+int Listen(const SoundStudio& studio, const Listening& wish) {
+  std::vector<Picture> pictures;
+  bool songs = false;
+  for (const std::string& name : studio.Names()) {
+    if (name.compare(0, wish.prefix.size(), wish.prefix) != 0) continue;
+    const std::optional<sound::Song> song = studio.SongNamed(name);
+    if (song) {
+      songs = true;
+      const sound::Score score = sound::PlayOut(*song);
+      std::printf("%s: %.2f s, %zu notes, %zu strokes\n", name.c_str(), score.beats * 60 / song->tempo,
+                  score.notes.size(), score.hits.size());
+      for (const std::string& place : sound::HarshPlaces(*song, score)) std::printf("  %s\n", place.c_str());
+      if (!wish.picture.empty()) pictures.push_back(sound::PianoRoll(*song, score, 1700));
+      if (wish.scoreOnly) continue;
+    }
+    const sound::Track track = studio.Samples(name);
+    const sound::Figures f = sound::Measure(track);
+    std::printf("%-16s %6.3f s%s loudest %5.1f whole %5.1f peak %5.1f dB silence %.2f s ends %.4f %.4f seam "
+                "%.2f bands",
+                name.c_str(), f.seconds, studio.Loops(name) ? " loop" : "", f.loudest, f.loudness, f.peak,
+                f.silence, f.firstSample, f.lastSample, f.seamStep);
+    for (const double band : f.bands) std::printf(" %.0f", band);
+    std::printf("\n");
+    if (!wish.wav.empty()) WriteWav(std::filesystem::path(wish.wav) / (name + ".wav"), track);
+    if (!wish.picture.empty())
+      pictures.push_back(sound::Spectrogram(track, song ? 1700 : 180, song ? 300 : 130));
+  }
+  if (!wish.picture.empty() && !pictures.empty())
+    WritePng(sound::Stack(pictures, songs ? 1 : 8), wish.picture);
+  return 0;
+}
+
+} // namespace
 
 int main(int argc, char** argv) {
-  CLI::App app{"Compiles the picture sources and shows them"};
+  CLI::App app{"Compiles the sources of pictures and sounds and shows them"};
   std::string assets = "assets", cache, prefix, output = "sheet.png";
   int scale = 4;
   bool placeholders = false;
@@ -28,8 +91,16 @@ int main(int argc, char** argv) {
   view->add_option("--scale", scale, "Size of a pixel")->capture_default_str();
   view->add_option("--frame", frame, "Which frame")->capture_default_str();
   view->add_option("--area", area, "Left, top, width and height in pixels")->expected(4);
+  Listening listening;
+  auto* listen =
+      app.add_subcommand("listen", "Compile sounds and say how loud, how long and how bright they are");
+  listen->add_option("prefix", listening.prefix, "Start of the names; nothing for all");
+  listen->add_option("--wav", listening.wav, "Folder for the samples as WAV files");
+  listen->add_option("--picture", listening.picture, "PNG of spectrograms, of songs with their notes");
+  listen->add_flag("--score", listening.scoreOnly, "Of songs only the notes, with their harsh places");
   CLI11_PARSE(app, argc, argv);
   try {
+    if (*listen) return Listen(SoundStudio(assets), listening);
     vesk::Studio studio(assets, cache);
     if (*sheet) {
       vesk::WritePng(vesk::MakeSheet(studio, prefix, scale, placeholders), output);

@@ -1,0 +1,15 @@
+#pragma once
+// Loudness as ears weigh it (K-weighting), in decibels below full scale.
+#include "pack/soundstudio/Signal.h"
+
+namespace vesk::sound {
+
+// Of the whole track; windows of 0.4 s more than 10 dB below the rest don't count. Of both channels together.
+double IntegratedLoudness(const Track& track);
+
+// Of the loudest window of that length, as if heard from one channel.
+double LoudestWindow(const Track& track, double seconds);
+
+double Peak(const Track& track); // largest sample, as a gain
+
+} // namespace vesk::sound
