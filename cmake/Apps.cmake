@@ -31,7 +31,7 @@ endif()
 
 vesk_app(vesk-editor game)
 vesk_app(vesk-sim sim)
-vesk_app(vesk-level game)
+vesk_app(vesk-level sim)
 foreach(app vesk-editor vesk-sim vesk-level)
   if(TARGET ${app} AND TARGET container_blob)
     target_link_libraries(${app} PRIVATE container_blob)
