@@ -28,3 +28,7 @@ foreach(tests pack_tests game_tests scenario_tests bench)
     target_link_libraries(${tests} PRIVATE container_blob)
   endif()
 endforeach()
+# Tests that run a program find it beside them.
+if(TARGET game_tests AND TARGET vesk-level)
+  add_dependencies(game_tests vesk-level)
+endif()

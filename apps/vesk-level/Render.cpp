@@ -18,8 +18,8 @@ namespace vesk {
 namespace {
 
 constexpr int kViewWidth = 384, kViewHeight = 216, kCell = 16; // pixels
-constexpr int kRim = 32; // pixels around a piece that its lights and glow reach into
-constexpr int kLargest = 32768;                                // pixels of a side of the picture
+constexpr int kRim = 32;        // pixels around a piece that its lights and glow reach into
+constexpr int kLargest = 32768; // pixels of a side of the picture
 
 struct Canvas {
   int width, height;
@@ -30,8 +30,11 @@ struct Canvas {
   void Take(const WindowPicture& piece, int left, int top) {
     for (int y = 0; y < std::min(piece.height - 2 * kRim, height - top); ++y)
       for (int x = 0; x < std::min(piece.width - 2 * kRim, width - left); ++x) {
-        const size_t from = (static_cast<size_t>(y + kRim) * static_cast<size_t>(piece.width) + static_cast<size_t>(x + kRim)) * 4;
-        const size_t to = (static_cast<size_t>(top + y) * static_cast<size_t>(width) + static_cast<size_t>(left + x)) * 3;
+        const size_t from = (static_cast<size_t>(y + kRim) * static_cast<size_t>(piece.width) +
+                             static_cast<size_t>(x + kRim)) *
+                            4;
+        const size_t to =
+            (static_cast<size_t>(top + y) * static_cast<size_t>(width) + static_cast<size_t>(left + x)) * 3;
         std::memcpy(&pixels[to], &piece.pixels[from], 3);
       }
   }
@@ -64,8 +67,12 @@ void DrawGrid(Canvas& canvas) {
   for (int y = 0; y < canvas.height; ++y)
     for (int x = 0; x < canvas.width; ++x) {
       if (x % kCell != 0 && y % kCell != 0) continue;
-      uint8_t* pixel = &canvas.pixels[(static_cast<size_t>(y) * static_cast<size_t>(canvas.width) + static_cast<size_t>(x)) * 3];
-      for (int channel = 0; channel < 3; ++channel) pixel[channel] = static_cast<uint8_t>((pixel[channel] * 3 + 255) / 4);
+      uint8_t* pixel =
+          &canvas
+               .pixels[(static_cast<size_t>(y) * static_cast<size_t>(canvas.width) + static_cast<size_t>(x)) *
+                       3];
+      for (int channel = 0; channel < 3; ++channel)
+        pixel[channel] = static_cast<uint8_t>((pixel[channel] * 3 + 255) / 4);
     }
 }
 
@@ -78,13 +85,15 @@ std::string RenderSection(const RenderChoice& choice) {
   Simulation simulation(settings);
   if (const std::string problem = simulation.Start(); !problem.empty()) return problem;
   simulation.Mouse(kViewWidth / 2, kViewHeight / 2);
-  if (const std::string problem = simulation.Edit(choice.file, choice.section); !problem.empty()) return problem;
+  if (const std::string problem = simulation.Edit(choice.file, choice.section); !problem.empty())
+    return problem;
   const Self editor = first(obj_editor);
   if (!editor) return "the editor doesn't open";
-  const int width_pixels = static_cast<int>(editor[width]) * kCell, height_pixels = static_cast<int>(editor[height]) * kCell;
+  const int width_pixels = static_cast<int>(editor[width]) * kCell,
+            height_pixels = static_cast<int>(editor[height]) * kCell;
   if (width_pixels > kLargest || height_pixels > kLargest)
-    return "the section is too large for one picture: " + std::to_string(width_pixels) + " by " + std::to_string(height_pixels) +
-           " pixels";
+    return "the section is too large for one picture: " + std::to_string(width_pixels) + " by " +
+           std::to_string(height_pixels) + " pixels";
   ClearTheDesk(choice);
   Canvas canvas(width_pixels, height_pixels);
   for (int top = 0; top < height_pixels; top += kViewHeight - 2 * kRim)

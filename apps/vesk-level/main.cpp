@@ -1,6 +1,6 @@
 // vesk-level: looks at level files: what is wrong with them, what is in them, how they look.
-#include "Platform/Files.h"
 #include "Files/Function/Function_Data_Structures.h"
+#include "Platform/Files.h"
 #include "apps/vesk-level/Render.h"
 #include "game/level/level_check.h"
 
@@ -37,8 +37,10 @@ int Check(const std::vector<std::string>& files) {
     const LevelReport report = CheckLevel(root);
     ds_map_destroy(root);
     for (const std::string& fault : report.faults) std::cout << file << ": " << fault << "\n";
-    if (report.faults.empty()) std::cout << file << ": all well\n";
-    else all_well = false;
+    if (report.faults.empty())
+      std::cout << file << ": all well\n";
+    else
+      all_well = false;
     if (!report.withoutRules.empty()) {
       std::cout << file << ": without rules yet:";
       const char* separator = " ";
@@ -70,9 +72,10 @@ int Info(const std::string& file) {
   ds_map_destroy(root);
   std::cout << file << ": " << sections.size() << (sections.size() == 1 ? " section\n" : " sections\n");
   for (const SectionCounts& section : sections) {
-    std::cout << "  \"" << section.name << "\": " << section.width << " by " << section.height << " cells, music "
-              << section.music << ", background " << section.background;
-    if (section.waterLevel > 0) std::cout << ", " << section.waterColour << " water of " << section.waterLevel << " cells";
+    std::cout << "  \"" << section.name << "\": " << section.width << " by " << section.height
+              << " cells, music " << section.music << ", background " << section.background;
+    if (section.waterLevel > 0)
+      std::cout << ", " << section.waterColour << " water of " << section.waterLevel << " cells";
     if (section.rain) std::cout << ", rain";
     if (section.darkness) std::cout << ", darkness";
     std::cout << "\n   ";
@@ -99,13 +102,15 @@ int Render(const RenderChoice& choice) {
 } // namespace
 
 int main(int argc, char** argv) {
-  CLI::App app("Looks at level files of Vesk Editor. Exit code 0: all well, 1: something is wrong with a file, 2: bad use.",
+  CLI::App app("Looks at level files of Vesk Editor. Exit code 0: all well, 1: something is wrong with a "
+               "file, 2: bad use.",
                "vesk-level");
   app.require_subcommand(1);
 
   std::vector<std::string> files;
-  CLI::App* check = app.add_subcommand("check", "Says in words what is wrong with level files, with section, layer and cell; "
-                                                "lists the codes whose things have no rules yet");
+  CLI::App* check = app.add_subcommand(
+      "check", "Says in words what is wrong with level files, with section, layer and cell; "
+               "lists the codes whose things have no rules yet");
   check->add_option("FILE", files, "Level files")->required();
 
   std::string file;
@@ -123,9 +128,7 @@ int main(int argc, char** argv) {
 
   try {
     app.parse(argc, argv);
-  } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? kAllWell : kBadUse;
-  }
+  } catch (const CLI::ParseError& error) { return app.exit(error) == 0 ? kAllWell : kBadUse; }
   if (*check) return Check(files);
   if (*info) return Info(file);
   return Render(choice);

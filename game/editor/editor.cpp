@@ -295,8 +295,8 @@ void test_play() {
 }
 
 void save() {
-  scr_level_save(global[levelname].text());
-  audio_play_sound(snd_whistle, 0, false);
+  const bool saved = save_level(global[levelname].text());
+  audio_play_sound(saved ? snd_whistle : snd_wrong, 0, false);
 }
 
 void open_window(const Tool& tool) {

@@ -31,8 +31,6 @@ template <class Visit> void ForEach(int32_t map, Visit visit) {
     visit(ValueAsText(key), ds_map_find_value(map, key));
 }
 
-bool IsMap(const RValue& value) { return value.IsNumber() && ds_exists(ValueAsInt32(value), ds_type_map); }
-
 // "12,7" as two whole numbers of at least 0.
 std::optional<Cell> ExactCell(std::string_view key) {
   Cell cell;
@@ -54,12 +52,14 @@ public:
   LevelReport Run() {
     if (!ds_map_exists(m_root, kMainSection)) Fault("there is no section \"Main\"");
     if (ds_map_size(m_root) > kMaxSections)
-      Fault("there are " + std::to_string(ds_map_size(m_root)) + " sections; " + std::to_string(kMaxSections) +
-            " are the most");
+      Fault("there are " + std::to_string(ds_map_size(m_root)) + " sections; " +
+            std::to_string(kMaxSections) + " are the most");
     ForEach(m_root, [&](const std::string& name, const RValue& section) {
       m_section = name;
-      if (IsMap(section)) CheckSection(ValueAsInt32(section));
-      else Fault("is not a section");
+      if (ds_map_owns_map(m_root, name))
+        CheckSection(ValueAsInt32(section));
+      else
+        Fault("is not a section");
     });
     return std::move(m_report);
   }
@@ -79,7 +79,7 @@ private:
       Fault(std::string(key) + " is missing");
       return {};
     }
-    const double number = value.IsNumber() ? ValueAsReal(value) : NAN;
+    const double number = value.IsNumber() && !ds_map_owns_map(section, key) ? ValueAsReal(value) : NAN;
     if (!(number >= low && number <= high) || number != std::floor(number)) {
       Fault(std::string(key) + " is " + (value.IsString() ? Quoted(value.Text()) : ValueAsText(value)) +
             ", not a whole number from " + std::to_string(low) + " to " + std::to_string(high));
@@ -90,9 +90,12 @@ private:
 
   void Label(int32_t section, const char* key, const std::function<bool(std::string_view)>& known) {
     const RValue value = ds_map_find_value(section, key);
-    if (value.IsUndefined()) Fault(std::string(key) + " is missing");
-    else if (!value.IsString()) Fault(std::string(key) + " is not a text");
-    else if (!known(value.Text())) Fault(std::string(key) + " is unknown: " + Quoted(value.Text()));
+    if (value.IsUndefined())
+      Fault(std::string(key) + " is missing");
+    else if (!value.IsString())
+      Fault(std::string(key) + " is not a text");
+    else if (!known(value.Text()))
+      Fault(std::string(key) + " is unknown: " + Quoted(value.Text()));
   }
 
   void CheckSection(int32_t section) {
@@ -108,10 +111,12 @@ private:
       return std::ranges::any_of(MusicLabels(), [&](const MusicLabel& row) { return row.label == label; });
     });
     Label(section, "BACKGROUND", [](std::string_view label) {
-      return std::ranges::any_of(BackgroundLabels(), [&](const BackgroundLabel& row) { return row.label == label; });
+      return std::ranges::any_of(BackgroundLabels(),
+                                 [&](const BackgroundLabel& row) { return row.label == label; });
     });
-    Label(section, "WATER_COLOR",
-          [](std::string_view label) { return std::ranges::find(kWaterColours, label) != std::end(kWaterColours); });
+    Label(section, "WATER_COLOR", [](std::string_view label) {
+      return std::ranges::find(kWaterColours, label) != std::end(kWaterColours);
+    });
     constexpr std::string_view kSettings[] = {"HEIGHT", "WIDTH",    "MUSIC",       "BACKGROUND",
                                               "RAIN",   "DARKNESS", "WATER_LEVEL", "WATER_COLOR"};
     ForEach(section, [&](const std::string& key, const RValue&) {
@@ -125,18 +130,20 @@ private:
   void CheckLayer(int32_t section, const std::string& layer) {
     const RValue map = ds_map_find_value(section, layer);
     if (map.IsUndefined()) return Fault(layer + " is missing");
-    if (!IsMap(map)) return Fault(layer + " is not a map of cells");
+    if (!ds_map_owns_map(section, layer)) return Fault(layer + " is not a map of cells");
     ForEach(ValueAsInt32(map), [&](const std::string& key, const RValue& value) {
       const std::optional<Cell> cell = ExactCell(key);
       if (!cell) return FaultAt(layer, Quoted(key), "is not a cell such as \"12,7\"");
       if (cell->x >= m_width || cell->y >= m_height)
-        FaultAt(layer, key, "lies outside the section of " + std::to_string(m_width) + " by " + std::to_string(m_height));
+        FaultAt(layer, key,
+                "lies outside the section of " + std::to_string(m_width) + " by " + std::to_string(m_height));
       if (!value.IsString()) return FaultAt(layer, key, "the value is not a text");
       CheckCode(section, layer, key, *cell, std::string(value.Text()));
     });
   }
 
-  void CheckCode(int32_t section, const std::string& layer, const std::string& key, Cell cell, const std::string& code) {
+  void CheckCode(int32_t section, const std::string& layer, const std::string& key, Cell cell,
+                 const std::string& code) {
     if (layer.starts_with("TILES")) {
       const std::optional<Cell> atlas = ExactCell(code);
       if (!atlas || atlas->x >= kAtlasColumns || atlas->y >= kAtlasRows)
@@ -165,7 +172,7 @@ private:
   bool IsWayOut(int32_t section, Cell cell) const {
     const auto holds = [&](const char* layer, Cell at, auto wanted) {
       const RValue map = ds_map_find_value(section, layer);
-      if (!IsMap(map)) return false;
+      if (!ds_map_owns_map(section, layer)) return false;
       const RValue code = ds_map_find_value(ValueAsInt32(map), cell_key(at.x, at.y));
       return code.IsString() && wanted(code.Text());
     };
@@ -179,7 +186,7 @@ private:
   static std::set<std::string> Destinations(int32_t section) {
     std::set<std::string> names;
     const RValue modifiers = ds_map_find_value(section, "MODIFIERS");
-    if (IsMap(modifiers))
+    if (ds_map_owns_map(section, "MODIFIERS"))
       ForEach(ValueAsInt32(modifiers), [&](const std::string&, const RValue& code) {
         if (code.IsString() && code.Text().starts_with(kDestinationPrefix))
           names.emplace(code.Text().substr(kDestinationPrefix.size()));
@@ -192,9 +199,10 @@ private:
     const std::string first = text.substr(0, comma);
     const std::string second = comma == std::string::npos ? "" : text.substr(comma + 1);
     const RValue other = ds_map_find_value(m_root, first);
-    if (!IsMap(other)) {
+    if (!ds_map_owns_map(m_root, first)) {
       if (!Destinations(section).contains(first))
-        FaultAt("MODIFIERS", key, "leads to " + Quoted(first) + ", which is neither a section nor a destination here");
+        FaultAt("MODIFIERS", key,
+                "leads to " + Quoted(first) + ", which is neither a section nor a destination here");
     } else if (!second.empty() && !Destinations(ValueAsInt32(other)).contains(second)) {
       FaultAt("MODIFIERS", key, "section " + Quoted(first) + " has no destination " + Quoted(second));
     }
@@ -213,7 +221,7 @@ LevelReport CheckLevel(int32_t root) { return Checker(root).Run(); }
 std::vector<SectionCounts> CountLevel(int32_t root) {
   std::vector<SectionCounts> sections;
   ForEach(root, [&](const std::string& name, const RValue& value) {
-    if (!IsMap(value)) return;
+    if (!ds_map_owns_map(root, name)) return;
     const int32_t map = ValueAsInt32(value);
     SectionCounts counts;
     counts.name = name;
@@ -232,11 +240,13 @@ std::vector<SectionCounts> CountLevel(int32_t root) {
     counts.waterColour = text("WATER_COLOR");
     for (const char* layer : kLayers) {
       const RValue cells = ds_map_find_value(map, layer);
-      if (!IsMap(cells)) continue;
+      if (!ds_map_owns_map(map, layer)) continue;
       counts.layers[layer] = ds_map_size(ValueAsInt32(cells));
       const std::string_view kind = layer;
-      auto* codes = kind == "OBJECTS" ? &counts.objects : kind == "MODIFIERS" ? &counts.modifiers
-                    : kind == "MARKERS" ? &counts.markers : nullptr;
+      auto* codes = kind == "OBJECTS"     ? &counts.objects
+                    : kind == "MODIFIERS" ? &counts.modifiers
+                    : kind == "MARKERS"   ? &counts.markers
+                                          : nullptr;
       if (!codes) continue;
       ForEach(ValueAsInt32(cells), [&](const std::string&, const RValue& code) {
         std::string counted = ValueAsText(code);

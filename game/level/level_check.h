@@ -9,8 +9,8 @@
 namespace vesk {
 
 struct LevelReport {
-  std::vector<std::string> faults;          // each a sentence with section, layer and cell
-  std::map<std::string, int> withoutRules;  // codes whose things stand there without rules yet, and how many
+  std::vector<std::string> faults;         // each a sentence with section, layer and cell
+  std::map<std::string, int> withoutRules; // codes whose things stand there without rules yet, and how many
 };
 // `root`: a map of sections as global.leveldata holds it.
 LevelReport CheckLevel(int32_t root);
@@ -20,8 +20,8 @@ struct SectionCounts {
   int32_t width = 0, height = 0; // cells
   std::string music, background, waterColour;
   bool rain = false, darkness = false;
-  int32_t waterLevel = 0;                            // cells
-  std::map<std::string, int32_t> layers;             // entries, by layer
+  int32_t waterLevel = 0;                                     // cells
+  std::map<std::string, int32_t> layers;                      // entries, by layer
   std::map<std::string, int32_t> objects, modifiers, markers; // entries, by code; texts count as their prefix
 };
 // In the order of the file.

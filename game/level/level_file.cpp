@@ -9,6 +9,8 @@ namespace vesk {
 
 namespace {
 
+constexpr int kMostCells = 100000; // of a side; far beyond what a level needs
+
 std::string LevelPath(const std::string& name) { return "Level/" + name + ".json"; }
 
 struct Setting {
@@ -27,37 +29,47 @@ void ReadLevel(const std::string& path) {
   FS_file_text_close(file);
 }
 
-bool IsNumber(const RValue& value) { return value.IsNumber(); }
 bool IsText(const RValue& value) { return value.IsString(); }
-bool IsMap(const RValue& value) { return value.IsNumber() && ds_exists(ValueAsInt32(value), ds_type_map); }
+
+bool HoldsNumber(int map, const char* key) {
+  return !ds_map_owns_map(map, key) && ds_map_find_value(map, key).IsNumber();
+}
+bool HoldsText(int map, const char* key) { return IsText(ds_map_find_value(map, key)); }
+bool HoldsMap(int map, const char* key) { return ds_map_owns_map(map, key); }
 
 struct SectionKey {
   const char* key;
-  bool (*fits)(const RValue&);
+  bool (*fits)(int map, const char* key);
   const char* kind;
 };
 constexpr SectionKey kSectionKeys[] = {
-    {"HEIGHT", IsNumber, "a number"},      {"WIDTH", IsNumber, "a number"},       {"MUSIC", IsText, "a text"},
-    {"BACKGROUND", IsText, "a text"},      {"RAIN", IsNumber, "a number"},        {"DARKNESS", IsNumber, "a number"},
-    {"WATER_LEVEL", IsNumber, "a number"}, {"WATER_COLOR", IsText, "a text"},     {"TILES", IsMap, "a map of cells"},
-    {"TILES_BG", IsMap, "a map of cells"}, {"OBJECTS", IsMap, "a map of cells"},  {"MODIFIERS", IsMap, "a map of cells"},
-    {"MARKERS", IsMap, "a map of cells"},
+    {"HEIGHT", HoldsNumber, "a number"},      {"WIDTH", HoldsNumber, "a number"},
+    {"MUSIC", HoldsText, "a text"},           {"BACKGROUND", HoldsText, "a text"},
+    {"RAIN", HoldsNumber, "a number"},        {"DARKNESS", HoldsNumber, "a number"},
+    {"WATER_LEVEL", HoldsNumber, "a number"}, {"WATER_COLOR", HoldsText, "a text"},
+    {"TILES", HoldsMap, "a map of cells"},    {"TILES_BG", HoldsMap, "a map of cells"},
+    {"OBJECTS", HoldsMap, "a map of cells"},  {"MODIFIERS", HoldsMap, "a map of cells"},
+    {"MARKERS", HoldsMap, "a map of cells"},
 };
 
 std::string SectionProblem(const std::string& name, int section) {
   for (const SectionKey& wanted : kSectionKeys) {
     const RValue value = ds_map_find_value(section, wanted.key);
     if (value.IsUndefined()) return "Section \"" + name + "\" has no \"" + wanted.key + "\".";
-    if (!wanted.fits(value)) return "Section \"" + name + "\": \"" + wanted.key + "\" is not " + wanted.kind + ".";
+    if (!wanted.fits(section, wanted.key))
+      return "Section \"" + name + "\": \"" + wanted.key + "\" is not " + wanted.kind + ".";
   }
   for (const char* size : {"WIDTH", "HEIGHT"})
-    if (ValueAsReal(ds_map_find_value(section, size)) < 1)
-      return "Section \"" + name + "\": \"" + size + "\" is below 1.";
+    if (const double cells = ValueAsReal(ds_map_find_value(section, size));
+        !(cells >= 1 && cells <= kMostCells))
+      return "Section \"" + name + "\": \"" + size + "\" is not from 1 to " + std::to_string(kMostCells) +
+             ".";
   for (const char* layer : kLayers) {
     const int map = ValueAsInt32(ds_map_find_value(section, layer));
     for (RValue cell = ds_map_find_first(map); !cell.IsUndefined(); cell = ds_map_find_next(map, cell))
       if (!IsText(ds_map_find_value(map, cell)))
-        return "Section \"" + name + "\", " + layer + ", cell " + ValueAsText(cell) + ": the code is not a text.";
+        return "Section \"" + name + "\", " + layer + ", cell " + ValueAsText(cell) +
+               ": the code is not a text.";
   }
   return "";
 }
@@ -75,7 +87,7 @@ void scr_level_add_section(std::string name) {
   const DebugFrame frame("scr_level_add_section");
   const int section = ds_map_create();
   const Setting settings[] = {
-      {"HEIGHT", 32}, {"WIDTH", 250},  {"MUSIC", "Sick"},   {"BACKGROUND", "Wall"},
+      {"HEIGHT", 32}, {"WIDTH", 250},  {"MUSIC", "Sick"},  {"BACKGROUND", "Wall"},
       {"RAIN", 0},    {"DARKNESS", 0}, {"WATER_LEVEL", 0}, {"WATER_COLOR", "Red"},
   };
   for (const Setting& setting : settings) ds_map_add(section, setting.key, setting.value);
@@ -83,11 +95,16 @@ void scr_level_add_section(std::string name) {
   ds_map_add_map(global[leveldata], name, section);
 }
 
+bool save_level(const std::string& name) {
+  const double file = FS_file_text_open_write(LevelPath(name));
+  if (file < 0) return false;
+  FS_file_text_write_string(file, json_encode(global[leveldata]));
+  return FS_file_text_close(file) > 0.5;
+}
+
 void scr_level_save(std::string name) {
   const DebugFrame frame("scr_level_save");
-  const double file = FS_file_text_open_write(LevelPath(name));
-  FS_file_text_write_string(file, json_encode(global[leveldata]));
-  FS_file_text_close(file);
+  save_level(name);
 }
 
 void scr_level_load(std::string name) {
@@ -118,7 +135,7 @@ std::string scr_level_problem() {
   if (!ds_map_exists(root, kMainSection)) return "The level has no section \"Main\".";
   for (RValue name = ds_map_find_first(root); !name.IsUndefined(); name = ds_map_find_next(root, name)) {
     const RValue section = ds_map_find_value(root, name);
-    if (!IsMap(section)) return "\"" + ValueAsText(name) + "\" is not a section.";
+    if (!ds_map_owns_map(root, name)) return "\"" + ValueAsText(name) + "\" is not a section.";
     const std::string problem = SectionProblem(ValueAsText(name), ValueAsInt32(section));
     if (!problem.empty()) return problem;
   }

@@ -20,6 +20,10 @@ const std::string kSmallLevel =
     R"("WATER_COLOR":"Blue","TILES":{"0,12":"0,4","1,12":"0,4"},"TILES_BG":{},"OBJECTS":{"1,10":"Durian"},)"
     R"("MODIFIERS":{},"MARKERS":{}}})";
 
+std::string Replaced(std::string text, const std::string& part, const std::string& with) {
+  return text.replace(text.find(part), part.size(), with);
+}
+
 std::vector<std::string> Rows() {
   std::vector<std::string> names;
   for (CInstance* row : InstancesOf(obj_mainmenu_level))
@@ -154,6 +158,9 @@ TEST(EditorMenu, DamagedLevelsAreRefusedAndTheMenuStands) {
       {"nomain", R"({"Other":{}})"},
       {"nokeys", R"({"Main":{"HEIGHT":14}})"},
       {"textsize", R"({"Main":"x"})"},
+      {"alias", R"({"Main":1})"}, // a number is no section, whatever it stands for
+      {"huge", Replaced(kSmallLevel, "\"WIDTH\":24", "\"WIDTH\":1e18")},
+      {"layer", Replaced(kSmallLevel, "\"TILES_BG\":{}", "\"TILES_BG\":0")},
       {"binary", std::string("\0\x01\xFF\xFE{", 5)},
   };
   EditorDesk desk;
