@@ -236,6 +236,7 @@ private:
     const double oldX = *x, oldY = *y;
     for (int j = top; j < bottom; ++j)
       for (int i = left; i < right; ++i) {
+        if (run.canvas->pieces && !run.canvas->pieces->Takes(i, j, Pieces::kAny)) continue;
         *x = i, *y = j;
         Block(run, s.body);
       }

@@ -187,6 +187,23 @@ TEST(Pictures, AtlasPiecesKeepToThemselves) {
   EXPECT_EQ(cells, 1600);
 }
 
+// Whoever picks content by its icon must be able to tell it from all others of the sheet.
+TEST(Pictures, IconsOfASheetAreAllDifferent) {
+  for (const char* sheet :
+       {"top", "control", "item", "block", "enemy", "warp", "modifier", "music", "background"}) {
+    const auto& frames = Tree().Frames(std::string("spr_editor_") + sheet + "_icons");
+    ASSERT_FALSE(frames.empty()) << sheet;
+    std::map<std::vector<uint32_t>, size_t> seen;
+    for (size_t i = 0; i < frames.size(); ++i) {
+      int visible = 0;
+      for (const uint32_t pixel : frames[i].rgba) visible += pixel >> 24 != 0;
+      EXPECT_GE(visible, 20) << sheet << " " << i;
+      const auto [it, fresh] = seen.emplace(frames[i].rgba, i);
+      EXPECT_TRUE(fresh) << sheet << " " << i << " looks like " << it->second;
+    }
+  }
+}
+
 // The step over the wrapped edge may be no larger than the largest one inside the picture.
 TEST(Pictures, BackdropsThatTileHaveNoSeam) {
   for (const PictureSpec& spec : Tree().Specs()) {
