@@ -39,13 +39,16 @@ template <class T> T* Regrow(T* old, int32_t used, int32_t count) {
 }
 
 void GrowRow(RefRow& row, int32_t length) {
-  RValue* old = row.items;
+  const auto address = [](const RValue* value) { return reinterpret_cast<uintptr_t>(value); };
+  const uintptr_t before = address(row.items); // a number: the block itself may be gone
   row.items = Regrow(row.items, row.length, length);
-  if (row.items != old) {
+  if (address(row.items) != before) {
     // Elements that own an array have moved.
     for (int32_t i = 0; i < row.length; ++i) {
       RValue& item = row.items[i];
-      if (item.IsArray() && item.array && item.array->owner == old + i) item.array->owner = &item;
+      if (item.IsArray() && item.array &&
+          address(item.array->owner) == before + static_cast<size_t>(i) * sizeof(RValue))
+        item.array->owner = &item;
     }
   }
   row.length = length;
