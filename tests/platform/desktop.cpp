@@ -7,27 +7,14 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <dlfcn.h>
 
 using namespace vesk;
 
 namespace {
 
-// The driver's libraries stay loaded, or what they keep for the process counts as lost.
-void KeepGraphicsDriver() {
-  void* first = nullptr;
-  for (const char* name : {"libEGL.so.1", "libEGL_mesa.so.0", "libGLX_mesa.so.0"})
-    if (void* library = dlopen(name, RTLD_NOW | RTLD_NODELETE); library && !first) first = library;
-  Dl_info info{};
-  void* symbol = first ? dlsym(first, "eglGetDisplay") : nullptr;
-  if (!symbol || !dladdr(symbol, &info)) return;
-  dlopen((Path_Folder(info.dli_fname) + "dri/swrast_dri.so").c_str(), RTLD_NOW | RTLD_NODELETE);
-}
-
 class Desktop : public testing::Test {
 protected:
   Desktop() {
-    KeepGraphicsDriver();
     SDL_SetHint(SDL_HINT_VIDEODRIVER, "offscreen");
     SDL_SetHint(SDL_HINT_AUDIODRIVER, "dummy");
     desktop = std::make_unique<CDesktopPlatform>();
