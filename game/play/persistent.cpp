@@ -3,6 +3,7 @@
 #include "Files/IO/Gamepad.h"
 #include "Files/Runner/Function_Runner.h"
 #include "game/Game.h"
+#include "game/editor/interface.h"
 #include "game/level/files.h"
 #include "game/play/gamepad.h"
 #include "game/play/globals.h"
@@ -222,9 +223,9 @@ void draw_fade(Self self) {
 void DrawGui(Self self) {
   draw_fade(self);
   draw_set_font(global[font]);
-  draw_text(2, 2, self[message]);
+  if (!(self[message] == "")) draw_backed_text(2, 2, self[message].text(), c_white);
   if (self[showfps] > 0.5)
-    draw_text(2, 206, "FPS: " + string(RValue(fps.Get())) + " Max FPS: " + string(RValue(fps_real.Get())));
+    draw_backed_text(2, 206, "FPS: " + string(RValue(fps.Get())) + " Max FPS: " + string(RValue(fps_real.Get())), c_white);
 }
 
 void DrawOverlay(Self) {
