@@ -107,6 +107,17 @@ bool Upload(int32_t id) {
   return good;
 }
 
+std::shared_ptr<DecodingImage> ImageOf(const uint8_t* data, uint32_t size) {
+  auto& prefetched = g_textures.prefetched;
+  const auto found = std::find_if(prefetched.begin(), prefetched.end(),
+                                  [data](const auto& image) { return image.first == data; });
+  if (found == prefetched.end())
+    return std::make_shared<DecodingImage>(data, size, Graphics().settings.texturesOnDemand);
+  std::shared_ptr<DecodingImage> image = std::move(found->second);
+  prefetched.erase(found);
+  return image;
+}
+
 uint32_t Word(const uint8_t* data, uint32_t at) {
   uint32_t word;
   std::memcpy(&word, data + at, sizeof(word));
@@ -153,12 +164,17 @@ int32_t Texture_CreateFromData(const uint8_t* data, uint32_t size, uint32_t) {
   if (size >= 4 && Word(data, 0) == kRawSignature)
     id = CreateFromRaw(data, size);
   else if (size >= 4 && Word(data, 0) == kPngSignature && Png_Measure(data, size, width, height))
-    id = Enter(std::make_shared<DecodingImage>(data, size, Graphics().settings.texturesOnDemand), width,
-               height);
+    id = Enter(ImageOf(data, size), width, height);
   if (id >= 0) return id;
   id = TakeSlot();
   ErrorConsole().Output("Texture %d is no image that can be read\n", id);
   return id;
+}
+
+void Texture_Prefetch(const uint8_t* data, uint32_t size) {
+  int32_t width = 0, height = 0;
+  if (Graphics().settings.texturesOnDemand || !Png_Measure(data, size, width, height)) return;
+  g_textures.prefetched.emplace_back(data, std::make_shared<DecodingImage>(data, size, false));
 }
 
 int32_t Texture_CreateFromPixels(int32_t width, int32_t height, const uint8_t* pixels, uint32_t size) {

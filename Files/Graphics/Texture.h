@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace vesk {
@@ -28,6 +29,8 @@ int32_t Texture_CreateFromData(const uint8_t* data, uint32_t size, uint32_t flag
 inline int32_t Texture_CreateFromPng(const uint8_t* data, uint32_t size) {
   return Texture_CreateFromData(data, size);
 }
+// Begins to decode a PNG image that Texture_CreateFromData will be given: the window can be made meanwhile.
+void Texture_Prefetch(const uint8_t* data, uint32_t size);
 // Pixels are red, green, blue, alpha, rows from the top; copied. -1 when `size` is too small.
 int32_t Texture_CreateFromPixels(int32_t width, int32_t height, const uint8_t* pixels, uint32_t size);
 int32_t Texture_CreateRenderTarget(int32_t width,
@@ -40,6 +43,7 @@ void Texture_Preload(int32_t id);                   // decodes and uploads now
 struct TextureState {
   std::vector<std::unique_ptr<TextureSlot>> slots;
   std::vector<int32_t> waiting; // ids whose image has still to be uploaded
+  std::vector<std::pair<const uint8_t*, std::shared_ptr<DecodingImage>>> prefetched; // by their bytes
 };
 TextureState& Textures(); // GR_Textures
 void Texture_Reset();

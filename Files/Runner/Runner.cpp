@@ -5,6 +5,7 @@
 #include "Files/Code/BuiltinVariables.h"
 #include "Files/Function/Function_External.h"
 #include "Files/Graphics/Graphics.h"
+#include "Files/Graphics/Texture.h"
 #include "Files/IO/IO.h"
 #include "Files/Object/Object.h"
 #include "Files/Room/Room.h"
@@ -146,6 +147,13 @@ bool DoTheWork(const ContainerView& container) {
   return true;
 }
 
+// The pages decode while the window and its context are made.
+void PrefetchPages() {
+  if (state.setup.makeDevice || Options().headless) return; // perhaps nothing is ever drawn
+  for (const std::optional<container::TextureRecord>& page : Load().records.textures)
+    if (page) Texture_Prefetch(page->data.data(), static_cast<uint32_t>(page->data.size()));
+}
+
 bool StartTheGame() {
   Log("Create Error Form\n");
   DebugConsole().Output(
@@ -162,6 +170,7 @@ bool StartTheGame() {
     return false;
   }
   Runner_ApplyOptions();
+  PrefetchPages();
   Log("Create Window\n");
   if (!Runner_CreateWindow() || !InitialiseGraphics()) return false;
   Log("IO Init\n");

@@ -218,7 +218,7 @@ void Audio_Quit() {
 
 void Audio_Update() {
   if (!g_audio.enabled) return;
-  Audio_StartPreparing();
+  if (g_audio.updates++ > 0) Audio_StartPreparing(); // not ahead of the first picture
   alcProcessContext(*g_audio.context, Platform_Get().clock->Microseconds());
   Audio_ServiceGroups();
   UpdateListener();

@@ -91,6 +91,7 @@ struct AudioGroup {
 
 struct AudioState {
   bool enabled = false;
+  uint64_t updates = 0; // frames so far
   std::unique_ptr<Context> context;
   std::unique_ptr<COggAudio> ogg;
   std::vector<std::unique_ptr<AudioSound>> sounds; // by index; null: a hole

@@ -7,11 +7,14 @@
 #include "Files/Graphics/Texture.h"
 #include "Files/Graphics/View.h"
 #include "Files/Graphics_API/RecordingDevice.h"
+#include "Files/Room/Tile.h"
 #include "Files/Sprite/DrawSprite.h"
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <memory>
+#include <vector>
 
 namespace {
 
@@ -85,5 +88,63 @@ void Text_OneLine(benchmark::State& state) {
   state.SetItemsProcessed(state.iterations());
 }
 BENCHMARK(Text_OneLine);
+
+// Tiles of a room that grows to the right, 16 by 16 in two layers; the view stays as large as it is. The
+// index beside a plain scan of the same list.
+TileList RoomOfTiles(int64_t count) {
+  TileList tiles;
+  for (int64_t i = 0; i < count; ++i) {
+    Tile tile;
+    tile.id = static_cast<int32_t>(i + 1);
+    tile.background = 0;
+    tile.width = tile.height = 16;
+    tile.depth = i < count / 2 ? 12 : 9;
+    const int64_t at = i % (count / 2);
+    tile.x = static_cast<float>(at / 30 * 16);
+    tile.y = static_cast<float>(at % 30 * 16);
+    tiles.Add(tile);
+  }
+  tiles.SortByDepth();
+  return tiles;
+}
+constexpr TileArea kView{1000, 100, 1384, 316};
+
+void TilesInView_Index(benchmark::State& state) {
+  TileList tiles = RoomOfTiles(state.range(0));
+  for (auto _ : state) {
+    tiles.SortByDepth();
+    benchmark::DoNotOptimize(tiles.FindIn(kView).data());
+  }
+  state.counters["found"] = static_cast<double>(tiles.FindIn(kView).size());
+}
+BENCHMARK(TilesInView_Index)->Arg(10000)->Arg(100000)->Unit(benchmark::kMicrosecond);
+
+void TilesInView_PlainScan(benchmark::State& state) {
+  const TileList tiles = RoomOfTiles(state.range(0));
+  std::vector<uint32_t> found;
+  for (auto _ : state) {
+    found.clear();
+    if (!std::is_sorted(tiles.begin(), tiles.end(),
+                        [](const Tile& a, const Tile& b) { return a.depth > b.depth; }))
+      state.SkipWithError("not in order");
+    for (uint32_t i = 0; i < tiles.size(); ++i)
+      if (tiles[i].visible && Tile_Meets(tiles[i], kView)) found.push_back(i);
+    benchmark::DoNotOptimize(found.data());
+  }
+  state.counters["found"] = static_cast<double>(found.size());
+}
+BENCHMARK(TilesInView_PlainScan)->Arg(10000)->Arg(100000)->Unit(benchmark::kMicrosecond);
+
+// One tile moves before each frame, as a moving block's does.
+void TilesInView_OneMoves(benchmark::State& state) {
+  TileList tiles = RoomOfTiles(state.range(0));
+  float x = 1000;
+  for (auto _ : state) {
+    tiles.Edit(5)->x = x = x < 1300 ? x + 1 : 1000;
+    tiles.SortByDepth();
+    benchmark::DoNotOptimize(tiles.FindIn(kView).data());
+  }
+}
+BENCHMARK(TilesInView_OneMoves)->Arg(10000)->Arg(100000)->Unit(benchmark::kMicrosecond);
 
 } // namespace

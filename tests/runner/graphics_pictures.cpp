@@ -198,6 +198,25 @@ TEST_P(Pictures, SurfacesStandUprightAndKeepTheirAlpha) {
   Expect(canvas, 1);
 }
 
+// The source is what the surface held before, and the draw itself goes on top.
+TEST_P(Pictures, ASurfaceDrawnIntoItselfShowsWhatItHeld) {
+  const int surface = surface_create(32, 16);
+  surface_set_target(surface);
+  draw_clear_alpha(c_black, 0);
+  draw_sprite(nullptr, stage->Piece(0, 0, 16, 16), 0, 0, 0);
+  draw_surface_part(surface, 0, 0, 16, 16, 4, 0); // overlaps what it is read from
+  FlushBatch();
+  draw_surface_part(surface, 4, 0, 16, 16, 12, 0);
+  surface_reset_target();
+  draw_surface(surface, 10, 10);
+  Canvas canvas;
+  const auto piece = [](int x, int y, Rgba) { return PagePixel(x, y); };
+  canvas.Fill(10, 10, 26, 26, piece);
+  canvas.Fill(14, 10, 30, 26, piece);
+  canvas.Fill(22, 10, 38, 26, piece);
+  Expect(canvas, 0);
+}
+
 TEST_P(Pictures, TurnedSpritesShowTheRightTexels) {
   const int sprite = stage->Piece(0, 0, 16, 8);
   draw_sprite_ext(nullptr, sprite, 0, 40, 60, 1, 1, 90, c_white, 1);

@@ -77,6 +77,7 @@ public:
     for (size_t i = 0; i < m_buffers.size(); ++i) ReleaseBuffer(static_cast<BufferHandle>(i + 1));
     for (const OpenGLProgram& program : m_programs) glDeleteProgram(program.name);
     glDeleteProgram(m_plain.name);
+    if (m_before) glDeleteTextures(1, &m_before);
   }
 
   const char* Name() const override { return "OpenGL"; }
@@ -371,6 +372,11 @@ private:
     if (texture.sampler == wanted) return;
     texture.sampler = wanted;
     glActiveTexture(static_cast<GLenum>(GL_TEXTURE0 + stage));
+    SetSampler(wanted);
+  }
+
+  // Of the texture bound to the active stage.
+  static void SetSampler(const std::array<uint32_t, 4>& wanted) {
     const auto set = [](GLenum name, bool first, GLint one, GLint other) {
       glTexParameteri(GL_TEXTURE_2D, name, first ? one : other);
     };
@@ -387,6 +393,21 @@ private:
     const auto at = static_cast<size_t>(VertexColourAt(format));
     for (size_t vertex = at; vertex + 4 <= bytes; vertex += static_cast<size_t>(stride))
       std::swap(m_swapped[vertex], m_swapped[vertex + 2]);
+  }
+
+  // A target that is drawn into itself shows what it held before this draw.
+  void KeepFromFeedback() {
+    if (!m_target) return;
+    for (size_t stage = 0; stage < m_bound.size(); ++stage) {
+      if (m_bound[stage] != m_target) continue;
+      const GlTexture& target = m_textures[m_target - 1];
+      if (!m_before) glGenTextures(1, &m_before);
+      glActiveTexture(static_cast<GLenum>(GL_TEXTURE0 + stage));
+      glBindTexture(GL_TEXTURE_2D, m_before);
+      glCopyTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, 0, 0, target.width, target.height, 0);
+      SetSampler(target.sampler);
+      m_bound[stage] = 0; // the copy, which has no handle
+    }
   }
 
   void SendMatrices() {
@@ -416,6 +437,7 @@ private:
 
   void SubmitVertices(Primitive primitive, uint32_t format, int32_t stride, const uint8_t* base,
                       int32_t vertices) {
+    KeepFromFeedback();
     SendMatrices();
     SendAlphaTest();
     const auto pointer = [&](GLuint attribute, GLint size, GLenum type, GLboolean normalised,
@@ -458,6 +480,7 @@ private:
   bool m_matricesChanged = true, m_alphaChanged = true, m_alphaTest = false;
   uint32_t m_mask = 15, m_source = 5, m_destination = 6, m_alphaReference = 0;
   Upload m_upload;
+  GLuint m_before = 0; // copy of a target that is its own source
   std::vector<uint8_t> m_swapped;
 };
 

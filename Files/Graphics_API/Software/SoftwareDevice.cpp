@@ -149,6 +149,11 @@ public:
   void DrawFromMemory(Primitive primitive, uint32_t format, int32_t stride, const uint8_t* data,
                       int32_t vertices) override {
     const auto at = [&](int32_t i) { return Transform(format, data + static_cast<ptrdiff_t>(i) * stride); };
+    m_sampled = m_texture ? &m_textures[m_texture - 1] : nullptr;
+    if (m_sampled && m_texture == m_target) { // drawn into itself: from what it held before
+      m_before = *m_sampled;
+      m_sampled = &m_before;
+    }
     switch (primitive) {
     case pr_pointlist:
       for (int32_t i = 0; i < vertices; ++i) DrawPoint(at(i));
@@ -234,8 +239,8 @@ private:
 
   void Shade(Image& target, int32_t x, int32_t y, double u, double v, const std::array<double, 4>& colour) {
     Pixel source{255, 255, 255, 255};
-    if (m_texture) {
-      const Image& texture = m_textures[m_texture - 1];
+    if (m_sampled) {
+      const Image& texture = *m_sampled;
       const uint8_t* texel =
           &texture.pixels[Offset(texture, Address(u, texture.width, m_sampler[kSamplerAddressU] == 0),
                                  Address(v, texture.height, m_sampler[kSamplerAddressV] == 0))];
@@ -321,6 +326,8 @@ private:
   std::vector<Image> m_textures;
   std::vector<std::vector<uint8_t>> m_buffers;
   TextureHandle m_texture = 0, m_target = 0;
+  const Image* m_sampled = nullptr; // of the draw in progress
+  Image m_before{};
   std::array<int32_t, 4> m_viewport{};
   std::array<Matrix, 3> m_matrices;
   Matrix m_transform;
