@@ -140,6 +140,13 @@ bool ds_map_owns_map(int32_t id, const RValue& key) {
   return entry && entry->value.IsReal() && (entry->value.kind & kMarkMap) != 0;
 }
 
+bool ds_map_owns_list(int32_t id, const RValue& key) {
+  const CLock lock(Ds_Mutex());
+  const CDS_Map* map = MapOf(id);
+  const CDS_Map::Entry* entry = map ? map->Find(key) : nullptr;
+  return entry && entry->value.IsReal() && (entry->value.kind & kMarkList) != 0;
+}
+
 RValue ds_map_find_first(int32_t id) {
   const CLock lock(Ds_Mutex());
   const CDS_Map* map = MapOf(id);

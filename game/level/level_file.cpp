@@ -2,8 +2,13 @@
 
 #include "Files/Function/Function_Data_Structures.h"
 #include "game/Game.h"
+#include "game/level/collision_codes.h"
 #include "game/level/files.h"
 #include "game/play/levelmanager.h"
+
+#include <charconv>
+#include <cmath>
+#include <string_view>
 
 namespace vesk {
 
@@ -29,48 +34,85 @@ void ReadLevel(const std::string& path) {
   FS_file_text_close(file);
 }
 
-bool IsText(const RValue& value) { return value.IsString(); }
+// ---- what a level must be ----
 
-bool HoldsNumber(int map, const char* key) {
-  return !ds_map_owns_map(map, key) && ds_map_find_value(map, key).IsNumber();
-}
-bool HoldsText(int map, const char* key) { return IsText(ds_map_find_value(map, key)); }
-bool HoldsMap(int map, const char* key) { return ds_map_owns_map(map, key); }
+constexpr int kMostCellDigits = 6; // of one number of a key
+constexpr int kAtlasRows = static_cast<int>(kCollisionCodes.size()) / kAtlasColumns;
 
+enum class Kind { kNumber, kText, kMap };
 struct SectionKey {
   const char* key;
-  bool (*fits)(int map, const char* key);
-  const char* kind;
+  Kind kind;
 };
 constexpr SectionKey kSectionKeys[] = {
-    {"HEIGHT", HoldsNumber, "a number"},      {"WIDTH", HoldsNumber, "a number"},
-    {"MUSIC", HoldsText, "a text"},           {"BACKGROUND", HoldsText, "a text"},
-    {"RAIN", HoldsNumber, "a number"},        {"DARKNESS", HoldsNumber, "a number"},
-    {"WATER_LEVEL", HoldsNumber, "a number"}, {"WATER_COLOR", HoldsText, "a text"},
-    {"TILES", HoldsMap, "a map of cells"},    {"TILES_BG", HoldsMap, "a map of cells"},
-    {"OBJECTS", HoldsMap, "a map of cells"},  {"MODIFIERS", HoldsMap, "a map of cells"},
-    {"MARKERS", HoldsMap, "a map of cells"},
+    {"HEIGHT", Kind::kNumber},      {"WIDTH", Kind::kNumber},     {"MUSIC", Kind::kText},
+    {"BACKGROUND", Kind::kText},    {"RAIN", Kind::kNumber},      {"DARKNESS", Kind::kNumber},
+    {"WATER_LEVEL", Kind::kNumber}, {"WATER_COLOR", Kind::kText}, {"TILES", Kind::kMap},
+    {"TILES_BG", Kind::kMap},       {"OBJECTS", Kind::kMap},      {"MODIFIERS", Kind::kMap},
+    {"MARKERS", Kind::kMap},
 };
 
-std::string SectionProblem(const std::string& name, int section) {
+std::string NotOfKind(int section, const SectionKey& wanted) {
+  const RValue value = ds_map_find_value(section, wanted.key);
+  const bool map = ds_map_owns_map(section, wanted.key), list = ds_map_owns_list(section, wanted.key);
+  switch (wanted.kind) {
+  case Kind::kNumber: return value.IsNumber() && !map && !list ? "" : "a number";
+  case Kind::kText: return value.IsString() ? "" : "a text";
+  default: return map ? "" : "a map of cells";
+  }
+}
+
+std::string SizeProblem(int section, const char* key, double least, double most) {
+  const double size = ValueAsReal(ds_map_find_value(section, key));
+  if (size >= least && size <= most && size == std::floor(size)) return "";
+  return "\"" + std::string(key) + "\" is not a whole number from " +
+         std::to_string(static_cast<int>(least)) + " to " + std::to_string(static_cast<int>(most));
+}
+
+// "12,7": the number of a column or row each.
+bool IsPair(std::string_view text, int least, int most) {
+  const size_t comma = text.find(',');
+  if (comma == std::string_view::npos) return false;
+  for (std::string_view part : {text.substr(0, comma), text.substr(comma + 1)}) {
+    int number = 0;
+    const auto [end, error] = std::from_chars(part.data(), part.data() + part.size(), number);
+    if (error != std::errc() || end != part.data() + part.size() || part.size() > kMostCellDigits)
+      return false;
+    if (number < least || number > most) return false;
+  }
+  return true;
+}
+
+std::string LayerProblem(int section, const char* layer) {
+  const bool tiles = std::string_view(layer).starts_with("TILES");
+  const int map = ValueAsInt32(ds_map_find_value(section, layer));
+  for (RValue cell = ds_map_find_first(map); !cell.IsUndefined(); cell = ds_map_find_next(map, cell)) {
+    const std::string where = std::string(layer) + ", cell \"" + ValueAsText(cell) + "\": ";
+    if (!IsPair(ValueAsText(cell), -kMostCells, 2 * kMostCells))
+      return where + "a cell is named by column and row, as \"12,7\"";
+    const RValue code = ds_map_find_value(map, cell);
+    if (!code.IsString()) return where + "the code is not a text";
+    if (tiles && !IsPair(code.Text(), 0, kAtlasColumns - 1))
+      return where + "\"" + std::string(code.Text()) + "\" is no cell of the tile atlas of " +
+             std::to_string(kAtlasColumns) + " by " + std::to_string(kAtlasRows);
+  }
+  return "";
+}
+
+std::string SectionProblem(int section) {
   for (const SectionKey& wanted : kSectionKeys) {
-    const RValue value = ds_map_find_value(section, wanted.key);
-    if (value.IsUndefined()) return "Section \"" + name + "\" has no \"" + wanted.key + "\".";
-    if (!wanted.fits(section, wanted.key))
-      return "Section \"" + name + "\": \"" + wanted.key + "\" is not " + wanted.kind + ".";
+    if (!ds_map_exists(section, wanted.key)) return "there is no \"" + std::string(wanted.key) + "\"";
+    if (const std::string kind = NotOfKind(section, wanted); !kind.empty())
+      return "\"" + std::string(wanted.key) + "\" is not " + kind;
   }
   for (const char* size : {"WIDTH", "HEIGHT"})
-    if (const double cells = ValueAsReal(ds_map_find_value(section, size));
-        !(cells >= 1 && cells <= kMostCells))
-      return "Section \"" + name + "\": \"" + size + "\" is not from 1 to " + std::to_string(kMostCells) +
-             ".";
-  for (const char* layer : kLayers) {
-    const int map = ValueAsInt32(ds_map_find_value(section, layer));
-    for (RValue cell = ds_map_find_first(map); !cell.IsUndefined(); cell = ds_map_find_next(map, cell))
-      if (!IsText(ds_map_find_value(map, cell)))
-        return "Section \"" + name + "\", " + layer + ", cell " + ValueAsText(cell) +
-               ": the code is not a text.";
-  }
+    if (const std::string problem = SizeProblem(section, size, 1, kMostCells); !problem.empty())
+      return problem;
+  const double height = ValueAsReal(ds_map_find_value(section, "HEIGHT"));
+  if (const std::string problem = SizeProblem(section, "WATER_LEVEL", 0, height); !problem.empty())
+    return problem;
+  for (const char* layer : kLayers)
+    if (const std::string problem = LayerProblem(section, layer); !problem.empty()) return problem;
   return "";
 }
 
@@ -131,13 +173,13 @@ std::string scr_level_problem() {
   const DebugFrame frame("scr_level_problem");
   if (!ds_exists(global[leveldata], ds_type_map)) return "The file is not JSON text of a level.";
   const int root = global[leveldata];
-  if (ds_map_exists(root, "default")) return "The file is not JSON text of a level.";
-  if (!ds_map_exists(root, kMainSection)) return "The level has no section \"Main\".";
+  if (!ds_map_exists(root, kMainSection))
+    return ds_map_exists(root, "default") ? "The file is not JSON text of a level."
+                                          : "The level has no section \"Main\".";
   for (RValue name = ds_map_find_first(root); !name.IsUndefined(); name = ds_map_find_next(root, name)) {
-    const RValue section = ds_map_find_value(root, name);
     if (!ds_map_owns_map(root, name)) return "\"" + ValueAsText(name) + "\" is not a section.";
-    const std::string problem = SectionProblem(ValueAsText(name), ValueAsInt32(section));
-    if (!problem.empty()) return problem;
+    const std::string problem = SectionProblem(ValueAsInt32(ds_map_find_value(root, name)));
+    if (!problem.empty()) return "Section \"" + ValueAsText(name) + "\": " + problem + ".";
   }
   return "";
 }

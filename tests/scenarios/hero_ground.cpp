@@ -1,6 +1,6 @@
 // Walking, jumping and the timings of the ground, every frame against the model; the figures beside it are
 // sums of the rules' own numbers.
-#include "Files/Sound/Audio_Main.h"
+#include "game/Game.h"
 #include "tests/scenarios/HeroModel.h"
 
 #include <gtest/gtest.h>
@@ -84,10 +84,6 @@ TEST(HeroOnTheGround, ControlsTakenAwayStopHimOnTheGroundAndInTheAir) {
 
 // ---- jumps ----
 
-struct JumpRow {
-  double push, impulse, held, released;
-};
-
 // Held: gravity 0.1 until the rise has slowed to 1, then 0.3. Released after one frame: 0.3.
 double HeightHeld(double impulse) {
   double speed = -impulse, height = 0;
@@ -166,20 +162,26 @@ TEST(HeroJumps, TwiceAreForPistachioAndTangerine) {
 }
 
 TEST(HeroJumps, BouncesOffWhatHeStomps) {
-  for (const std::string keys : {"J", ""}) {
-    Duel duel({"", "", "", "..S", "", kFloor});
-    Stage& game = duel.Game();
-    game.Hold(keys);
-    game.Step(2);
-    game.Hold("");
-    game.Step(90);
-    game.Hold(keys);
-    game.Step();
-    const double before = game.Real("obj_tovin", "y");
-    EXPECT_EQ(game.Real("obj_tovin", "state"), keys.empty() ? 0 : 2);
-    SCOPED_TRACE(keys);
-    EXPECT_LE(before, 14 * 16);
-  }
+  for (const std::string keys : {"J", ""})
+    for (const bool ceiling : {false, true}) {
+      SCOPED_TRACE(keys + (ceiling ? " under a ceiling" : ""));
+      Duel duel({ceiling ? "####" : "....", "..S.", "....", kFloor});
+      if (ceiling) { // his top row in the ceiling's last
+        duel.Game().Set("obj_tovin", "y", 10 * 16 + 10);
+        duel.Game().Set("obj_tovin", "state", 2);
+      }
+      duel.Resume();
+      duel.Game().Hold(keys);
+      const double before = duel.Hero().y;
+      with(obj_tovin, [](Self hero) { event_user(hero, 1); });
+      EXPECT_EQ(duel.Game().Real("obj_tovin", "vspeed"), -4);
+      EXPECT_EQ(duel.Game().Real("obj_tovin", "state"), 2);
+      EXPECT_EQ(duel.Game().Real("obj_tovin", "y"), ceiling ? before : before - 1);
+      EXPECT_EQ(duel.Game().Real("obj_tovin", "jumpnow"), 2) << "the key isn't down before the next frame";
+      duel.Game().Step();
+      with(obj_tovin, [](Self hero) { event_user(hero, 1); });
+      EXPECT_EQ(duel.Game().Real("obj_tovin", "jumpnow"), keys.empty() ? 2 : 1);
+    }
 }
 
 // ---- meter, poses ----
