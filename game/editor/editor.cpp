@@ -288,6 +288,7 @@ void Escape(Self) {
 
 void test_play() {
   audio_play_sound(snd_pistolplus, 0, false);
+  global[onoffblockprev] = 0; // another level's checkpoint must not set this one's switch
   scr_clearvars();
   global[gamemode] = 0;
   global[section] = kMainSection;

@@ -5,7 +5,6 @@
 #include "game/editor/interface.h"
 #include "game/level/files.h"
 #include "game/level/level_file.h"
-#include "game/play/levelmanager.h"
 
 namespace vesk {
 
@@ -219,9 +218,7 @@ void RowNotified(Self self) {
   audio_play_sound(snd_pistolplus, 0, false);
   global[levelname] = self[name];
   if (self[note] == "PLAY") {
-    scr_clearvars();
-    global[gamemode] = 1;
-    room_goto(rm_template);
+    scr_level_play(kMainSection);
   } else {
     room_goto(rm_editor);
   }

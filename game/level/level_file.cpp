@@ -186,6 +186,7 @@ std::string scr_level_problem() {
 
 void scr_level_play(std::string name) {
   const DebugFrame frame("scr_level_play");
+  global[onoffblockprev] = 0; // another level's checkpoint must not set this one's switch
   scr_clearvars();
   global[section] = name;
   global[gamemode] = 1;

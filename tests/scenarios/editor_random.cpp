@@ -1,0 +1,88 @@
+// A hand that clicks, drags and types at random: nothing is reported, and the level can be saved and loaded
+// after it.
+#include "tests/scenarios/EditorDesk.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+namespace vesk {
+
+namespace {
+
+class RandomHand {
+public:
+  RandomHand(EditorDesk& desk, uint32_t seed) : m_desk(desk), m_chance(seed) {}
+
+  void Act() {
+    switch (Below(10)) {
+    case 0:
+    case 1: m_desk.Click(13 + 24 * Below(15) + 11, 18); break; // a tool
+    case 2: m_desk.Click(229 + 24 * Below(6) + 11, 50); break; // a tab or the close button
+    case 3: m_desk.Click(13 + 24 * Below(15) + 11, 63 + 24 * Below(4) + 11); break;
+    case 4: m_desk.Drag(Below(384), Below(216), Below(384), Below(216), AnyButton()); break;
+    case 5: m_desk.Click(Below(384), Below(216), AnyButton()); break;
+    case 6: HoldSome(); break;
+    case 7: m_desk.Type(std::string(1, static_cast<char>(' ' + Below(95)))); break;
+    case 8: m_desk.Game().Wheel(Below(2) == 0); break;
+    default: m_desk.Step(Below(20));
+    }
+  }
+
+private:
+  int Below(int limit) { return static_cast<int>(m_chance() % static_cast<uint32_t>(limit)); }
+  Mouse AnyButton() { return static_cast<Mouse>(1 + Below(3)); }
+  void HoldSome() {
+    constexpr int kKeys[] = {kKeyShift, kKeyCtrl,  'C',        kKeyLeft,  kKeyUp,        kKeyRight,
+                             kKeyDown,  kKeySpace, kKeyEscape, kKeyEnter, kKeyBackspace, 'X'};
+    const int one = kKeys[Below(std::size(kKeys))], two = kKeys[Below(std::size(kKeys))];
+    m_desk.Hold(one);
+    m_desk.Hold(two);
+    m_desk.Click(Below(384), 40 + Below(170), Below(2) == 0 ? Mouse::kLeft : Mouse::kRight);
+    m_desk.Step(Below(40));
+    m_desk.Release(one);
+    m_desk.Release(two);
+  }
+
+  EditorDesk& m_desk;
+  std::mt19937 m_chance;
+};
+
+} // namespace
+
+TEST(EditorRandom, NothingThatAHandDoesIsReported) {
+  for (uint32_t seed = 1; seed <= 3; ++seed) {
+    SCOPED_TRACE(seed);
+    EditorDesk desk;
+    desk.OpenNew("chaos");
+    RandomHand hand(desk, seed);
+    for (int action = 0; action < 1200 && desk.Game().FatalReport().empty(); ++action) {
+      hand.Act();
+      if (desk.RoomNow() == rm_mainmenu) desk.OpenNew("chaos again " + std::to_string(action));
+      if (desk.RoomNow() == rm_template && action % 40 == 0) desk.Game().Room("rm_editor");
+      ASSERT_TRUE(desk.Game().Running());
+    }
+    ASSERT_EQ(desk.Game().FatalReport(), "");
+    if (desk.RoomNow() != rm_editor) desk.Game().Room("rm_editor");
+    desk.Step(60);
+    desk.Tap(kKeyEscape);
+    desk.ClickButton("Save");
+    const std::string name = desk.GlobalText("levelname");
+    const std::string saved = desk.Read(name);
+    ASSERT_NE(saved, "");
+    const std::string section = desk.GlobalText("section");
+    const Cells tiles = desk.Layer("TILES"), objects = desk.Layer("OBJECTS"),
+                modifiers = desk.Layer("MODIFIERS");
+    EXPECT_GT(tiles.size() + objects.size() + modifiers.size(), 0u) << "the hand did nothing";
+    ASSERT_EQ(desk.Game().Edit(desk.Directory() + "/Level/" + name + ".json", section), "");
+    EXPECT_EQ(desk.Layer("TILES"), tiles);
+    EXPECT_EQ(desk.Layer("OBJECTS"), objects);
+    EXPECT_EQ(desk.Layer("MODIFIERS"), modifiers);
+    EXPECT_EQ(desk.Count(obj_editor_object), objects.size());
+    desk.Write(name, "");
+    desk.ClickButton("Save");
+    EXPECT_EQ(desk.Read(name), saved);
+  }
+}
+
+} // namespace vesk
