@@ -165,6 +165,40 @@ TEST(Pictures, AtlasCellsKeepTheirRoles) {
   EXPECT_EQ(cells, 1600);
 }
 
+// In a section lit by a quarter only the rim of the ground shows where one can stand.
+TEST(Pictures, WalkableEdgesOfTheAtlasAreNearWhite) {
+  const Picture& p = Tree().Frames("bg_tiles")[0];
+  const std::map<std::string, std::function<int(int)>> surfaces = {
+      {"slope_r_low", [](int c) { return 15 - c / 2; }},
+      {"slope_r_high", [](int c) { return 7 - c / 2; }},
+      {"slope_l_high", [](int c) { return c / 2; }},
+      {"slope_l_low", [](int c) { return 8 + c / 2; }},
+      {"slope_sr", [](int c) { return 15 - c; }},
+      {"slope_sl", [](int c) { return c; }},
+      {"one_way", [](int) { return 0; }},
+  };
+  std::ifstream table("assets/atlas.tsv");
+  std::string line;
+  std::getline(table, line);
+  int seen = 0;
+  while (std::getline(table, line)) {
+    std::istringstream in(line);
+    std::string tx, ty, code, role;
+    std::getline(in, tx, '\t'), std::getline(in, ty, '\t'), std::getline(in, code, '\t'),
+        std::getline(in, role, '\t');
+    const auto surface = surfaces.find(role);
+    if (surface == surfaces.end() || line.find("\tfilling under") != std::string::npos) continue;
+    ++seen;
+    int light = 0;
+    for (int c = 0; c < 16; ++c) {
+      const uint32_t pixel = At(p, std::stoi(tx) * 16 + c, std::stoi(ty) * 16 + surface->second(c));
+      light += static_cast<int>((pixel & 255) * 3 + (pixel >> 8 & 255) * 5 + (pixel >> 16 & 255) * 2) / 10;
+    }
+    EXPECT_GE(light / 16, 150) << role << " at " << tx << "," << ty;
+  }
+  EXPECT_GT(seen, 120);
+}
+
 // Drawn with only a quarter of the pieces at a time, every cell is the same: nothing reaches into a
 // neighbour.
 TEST(Pictures, AtlasPiecesKeepToThemselves) {
