@@ -10,6 +10,14 @@ struct Extent {
   int32_t height = 0;
 };
 
+// What full screen switches the display to; -1 leaves a property as it is.
+struct DisplayMode {
+  int32_t width = -1, height = -1; // pixels
+  int32_t bits = -1;               // of a pixel
+  int32_t hertz = -1;
+  bool operator==(const DisplayMode&) const = default;
+};
+
 struct WindowSettings {
   std::string title; // UTF-8
   Extent size;       // client area
@@ -17,6 +25,7 @@ struct WindowSettings {
   bool resizable = false;
   bool fullscreen = false;
   bool cursorVisible = true;
+  DisplayMode display = {};
 };
 
 // Shapes of the pointer, in the order of the cursor constants.

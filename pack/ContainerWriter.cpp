@@ -356,8 +356,37 @@ void WriteShaders(Bytes& out, const std::vector<Shader>& shaders) {
   }
 }
 
-void WriteFonts(Bytes& out) {
-  out.U32(0);
+void WriteGlyph(Bytes& out, const FontGlyph& glyph) {
+  out.U16(glyph.character);
+  for (const int field : {glyph.x, glyph.y, glyph.width, glyph.height, glyph.advance, glyph.offset, 0})
+    out.U16(static_cast<uint32_t>(field));
+}
+
+void WriteFonts(Bytes& out, const std::vector<Font>& fonts, size_t firstBackground) {
+  constexpr uint32_t kAntialiased = 2u << 24; // the level plus 1
+  const uint32_t list = out.BeginList(fonts.size());
+  for (size_t i = 0; i < fonts.size(); ++i) {
+    const Font& font = fonts[i];
+    out.Element(list, i);
+    out.Text(font.name);
+    out.Text(font.displayName);
+    out.I32(font.size);
+    out.Bool(font.bold);
+    out.Bool(font.italic);
+    out.U32(kAntialiased | (font.glyphs.empty() ? 0u : font.glyphs.front().character));
+    out.U32(font.glyphs.empty() ? 0u : font.glyphs.back().character);
+    if (font.background >= 0)
+      out.PageEntry(firstBackground + static_cast<size_t>(font.background));
+    else
+      out.U32(0);
+    out.F32(font.scaleX);
+    out.F32(font.scaleY);
+    const uint32_t glyphs = out.BeginList(font.glyphs.size());
+    for (size_t g = 0; g < font.glyphs.size(); ++g) {
+      out.Element(glyphs, g);
+      WriteGlyph(out, font.glyphs[g]);
+    }
+  }
   for (uint32_t i = 0; i < 256; ++i) out.U16(i);
 }
 
@@ -589,7 +618,8 @@ std::vector<uint8_t> Write(const Game& game) {
   chunk("SOND", [&] { WriteSounds(out, game.sounds, sounds.places); });
   chunk("AGRP", noRecords);
   chunk("SPRT", [&] { WriteSprites(out, game.sprites); });
-  chunk("BGND", [&] { WriteBackgrounds(out, game.backgrounds, pictures.size() - game.backgrounds.size()); });
+  const size_t firstBackground = pictures.size() - game.backgrounds.size();
+  chunk("BGND", [&] { WriteBackgrounds(out, game.backgrounds, firstBackground); });
   chunk("PATH", [&] { WritePaths(out, game.paths); });
   chunk("SCPT", [&] { WriteScripts(out, game.scripts); });
   chunk("GLOB", [&] {
@@ -597,7 +627,7 @@ std::vector<uint8_t> Write(const Game& game) {
     for (const int code : game.startScripts) out.I32(code);
   });
   chunk("SHDR", [&] { WriteShaders(out, game.shaders); });
-  chunk("FONT", [&] { WriteFonts(out); });
+  chunk("FONT", [&] { WriteFonts(out, game.fonts, firstBackground); });
   chunk("TMLN", noRecords);
   chunk("OBJT", [&] { WriteObjects(out, game.objects); });
   chunk("ROOM", [&] { WriteRooms(out, game.rooms, instanceIds, tileIds); });

@@ -62,6 +62,20 @@ struct Shader {
   std::vector<std::string> attributes = {"in_Position", "in_Colour", "in_TextureCoord"};
 };
 
+struct FontGlyph {
+  uint16_t character = 0;                  // UTF-16
+  int x = 0, y = 0, width = 0, height = 0; // on the page, pixels
+  int advance = 0, offset = 0;             // pixels
+};
+struct Font {
+  std::string name, displayName;
+  int size = 12; // points
+  bool bold = false, italic = false;
+  int background = -1; // whose picture is the page; -1 none
+  float scaleX = 1, scaleY = 1;
+  std::vector<FontGlyph> glyphs = {};
+};
+
 struct Event {
   int type, subtype; // Files/Object/EventTypes.h; of a collision the subtype is the other object
   int code;          // index in the code table
@@ -151,6 +165,7 @@ struct Game {
   std::vector<Script> scripts;
   std::vector<int> startScripts; // code indices that run once at game start
   std::vector<Shader> shaders;
+  std::vector<Font> fonts;
   std::vector<Object> objects;
   std::vector<Room> rooms;
 };

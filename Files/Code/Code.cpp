@@ -6,8 +6,9 @@
 #include "Files/Script/Script.h"
 
 #include <algorithm>
-#include <memory>
+#include <array>
 #include <utility>
+#include <vector>
 
 namespace vesk {
 
@@ -106,17 +107,22 @@ bool Script_Perform(int32_t index, CInstance* self, CInstance* other, int argc, 
   if (!script || !script->entry || !script->entry->script) return false;
   if (!g_code.execute) return true;
 
+  // The usual number of arguments stands on the stack.
+  std::array<RValue, kArgumentRoom> few;
+  std::array<RValue*, kArgumentRoom> fewPointers;
+  std::vector<RValue> many(argc > kArgumentRoom ? static_cast<size_t>(argc) : 0);
+  std::vector<RValue*> manyPointers(many.size());
+  RValue* const values = many.empty() ? few.data() : many.data();
+  RValue** const pointers = many.empty() ? fewPointers.data() : manyPointers.data();
   const int room = std::max(argc, kArgumentRoom);
-  const auto values = std::make_unique<RValue[]>(static_cast<size_t>(room));
-  const auto pointers = std::make_unique<RValue*[]>(static_cast<size_t>(room));
   for (int i = 0; i < room; ++i) {
-    if (i < argc) values[static_cast<size_t>(i)] = args[i];
-    pointers[static_cast<size_t>(i)] = &values[static_cast<size_t>(i)];
+    if (i < argc) values[i] = args[i];
+    pointers[i] = &values[i];
   }
   const DebugFrame frame(script->entry->name);
-  const ArgumentScope scope(values.get(), argc);
+  const ArgumentScope scope(values, argc);
   const bool capturedBefore = Error().captured;
-  script->entry->script(self, other, result, argc, pointers.get());
+  script->entry->script(self, other, result, argc, pointers);
   if (Error().captured && !capturedBefore) Error().last = "In script " + script->name + ":\n" + Error().last;
   return true;
 }

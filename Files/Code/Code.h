@@ -125,11 +125,22 @@ void Code_Reset();
 
 // ---- with ----
 
-// The instances that `with (target)` visits, in visiting order, collected before the first round. `self` and
-// `other` are the pair of the surrounding code; targets -1 self, -2 other, -3 all, an object index, or an
-// instance id.
-std::vector<CInstance*> WithTargets(CInstance* self, CInstance* other, int32_t target);
-// What `target.variable` reads from, and what it writes to: an object, an instance id or -3 for all.
+// The instances that `with (target)` visits, collected before the first round. `self` and `other` are the
+// pair of the surrounding code; targets -1 self, -2 other, -3 all, an object index, or an instance id.
+// Snapshots share one stack: they end in the reverse order of their beginning, as local variables do.
+class WithSnapshot {
+public:
+  WithSnapshot(CInstance* self, CInstance* other, int32_t target);
+  ~WithSnapshot();
+  WithSnapshot(const WithSnapshot&) = delete;
+  WithSnapshot& operator=(const WithSnapshot&) = delete;
+  CInstance* Next(); // from the one collected last to the first; null at the end
+
+private:
+  size_t m_first, m_next;
+};
+// What `target.variable` reads from, and what it writes to: an object, -3 for all, or an instance id, which
+// reaches a deactivated instance too.
 CInstance* FirstTarget(int32_t target); // null when there is none
 std::vector<CInstance*> WriteTargets(int32_t target);
 

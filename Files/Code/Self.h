@@ -48,7 +48,8 @@ namespace detail {
 
 // Numbers as C++ has them; an unscoped enumeration names numbers.
 template <class T>
-inline constexpr bool isPlain = std::is_arithmetic_v<T> || (std::is_enum_v<T> && std::is_convertible_v<T, int>);
+inline constexpr bool isPlain = std::is_arithmetic_v<T> ||
+                                (std::is_enum_v<T> && std::is_convertible_v<T, int>);
 template <class T> inline constexpr bool isGameValue = std::is_same_v<T, Real>;
 template <class V> inline constexpr bool isGameValue<Ref<V>> = true;
 template <> inline constexpr bool isGameValue<RValue> = true;
@@ -59,8 +60,8 @@ concept ValueHolder = requires(const T& holder) {
 }
 || std::is_same_v<T, RValue>;
 template <class A, class B>
-concept GameNumbers = (isGameValue<A> || isGameValue<B>)&&(isGameValue<A> || isPlain<A>)&&(
-    isGameValue<B> || isPlain<B>);
+concept GameNumbers = (isGameValue<A> || isGameValue<B>)&&(isGameValue<A> || isPlain<A>)&&(isGameValue<B> ||
+                                                                                           isPlain<B>);
 
 template <class T> constexpr double Number(const T& value) {
   if constexpr (isPlain<T>)
@@ -251,8 +252,7 @@ struct Ref<BuiltinVariable<GetIt, SetIt>> : NumberRef<Ref<BuiltinVariable<GetIt,
   Ref(const Ref&) = default;
   double Get() const { return GetIt(i); }
   template <class T>
-  requires(detail::isPlain<T> && !std::is_null_pointer_v<decltype(SetIt)>) const Ref&
-  operator=(T d) const {
+  requires(detail::isPlain<T> && !std::is_null_pointer_v<decltype(SetIt)>) const Ref& operator=(T d) const {
     SetIt(i, static_cast<double>(d));
     return *this;
   }
@@ -385,7 +385,8 @@ template <auto G, auto S> inline constexpr bool isGameValue<RunElement<G, S>> = 
 // that returns bool ends the loop with false. `self` is the surrounding instance, needed only for targets
 // self and other.
 template <class Body> void with(int32_t target, Body body, Self self = {}, Self other = {}) {
-  for (CInstance* it : WithTargets(self.instance, other.instance, target)) {
+  WithSnapshot targets(self.instance, other.instance, target);
+  while (CInstance* it = targets.Next()) {
     if constexpr (std::is_same_v<std::invoke_result_t<Body, Self>, bool>) {
       if (!body(Self(it))) return;
     } else {

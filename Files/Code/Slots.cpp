@@ -1,13 +1,17 @@
 // Lifetime of slots, and the global object.
 #include "Files/Code/Slots.h"
 
+#include "Files/Object/Instance.h"
+
 #include <memory>
 
 namespace vesk {
 
 namespace {
 
-std::unique_ptr<ZqObjectBase> g_globalObject;
+constexpr int32_t kGlobal = -5; // as scripts name it
+
+std::unique_ptr<CInstance> g_globalObject;
 
 } // namespace
 
@@ -20,8 +24,11 @@ void ZqObjectBase::CopySlotsFrom(const ZqObjectBase& other) {
 }
 
 ZqObjectBase* GlobalObject() { return g_globalObject.get(); }
+CInstance* GlobalInstance() { return g_globalObject.get(); }
 
-void GlobalObject_Create(int32_t slotCount) { g_globalObject = std::make_unique<ZqObjectBase>(slotCount); }
+void GlobalObject_Create(int32_t slotCount) {
+  g_globalObject = std::make_unique<CInstance>(nullptr, 0.0f, 0.0f, kGlobal, slotCount);
+}
 
 void GlobalObject_Reset() { g_globalObject.reset(); }
 

@@ -8,6 +8,8 @@
 
 namespace vesk {
 
+class CInstance;
+
 class CInstanceBase {
 public:
   virtual ~CInstanceBase() = default;
@@ -44,6 +46,8 @@ private:
 
 // The object behind `global`; made at load, lives to the end of the game. Null before.
 ZqObjectBase* GlobalObject();
+// The same as start-up code has it for self and other: an instance of no object, in no list.
+CInstance* GlobalInstance();
 // A new one without any value; the old one dies.
 void GlobalObject_Create(int32_t slotCount);
 void GlobalObject_Reset();

@@ -4,8 +4,7 @@
 #include "Files/Room/Room.h"
 #include "Files/Run/Run_Events.h"
 
-#include <algorithm>
-#include <unordered_set>
+#include <vector>
 
 namespace vesk {
 
@@ -22,26 +21,18 @@ bool IsOf(const CInstance& instance, int32_t object) {
 template <class Visit> void ForEachOfObject(int32_t object, Visit visit) {
   const CObjectFb* found = Object_Find(object);
   if (!found) return;
-  std::unordered_set<const CInstance*> waiting;
-  const RunState& run = Run();
-  const auto collectWaiting = [&](const std::vector<CInstance*>& list) {
-    for (const CInstance* it : list)
-      if (it->Live() && IsOf(*it, object)) waiting.insert(it);
+  for (const InstanceList::Node* node = found->instancesRecursive.head; node; node = node->next)
+    if (node->instance->Live() && !visit(node->instance)) return;
+  const auto waits = [=](const CInstance& it) {
+    if (!it.Live() || !IsOf(it, object)) return false;
+    const CObjectFb* listed = it.previousObject ? it.previousObject : it.object;
+    return !it.nodes || (listed != found && !listed->IsDescendantOf(object));
   };
-  collectWaiting(run.changeList);
-  collectWaiting(run.deactivationList);
-
-  for (const InstanceList::Node* node = found->instancesRecursive.head; node; node = node->next) {
-    if (!node->instance->Live()) continue;
-    if (!waiting.empty()) waiting.erase(node->instance);
-    if (!visit(node->instance)) return;
-  }
-  for (const auto* list : {&run.changeList, &run.deactivationList}) {
-    for (CInstance* it : *list) {
-      if (waiting.empty()) return;
-      if (waiting.erase(it) > 0 && !visit(it)) return;
-    }
-  }
+  const RunState& run = Run();
+  for (CInstance* it : run.changeList)
+    if (waits(*it) && !visit(it)) return;
+  for (CInstance* it : run.deactivationList)
+    if (!it->inChangeList && waits(*it) && !visit(it)) return;
 }
 
 template <class Visit> void ForEachActive(Visit visit) {
@@ -55,38 +46,56 @@ CInstance* LiveById(int32_t id) {
   return found && found->Live() ? found : nullptr;
 }
 
-} // namespace
-
-std::vector<CInstance*> WithTargets(CInstance* self, CInstance* other, int32_t target) {
-  std::vector<CInstance*> targets;
-  const auto collect = [&targets](CInstance* it) {
-    targets.push_back(it);
-    return true;
-  };
-  if (target == self_ || target == kSelfAgain) {
-    if (self) targets.push_back(self);
-  } else if (target == other_) {
-    if (other) targets.push_back(other);
-  } else if (target == all) {
-    ForEachActive(collect);
-  } else if (target >= kFirstInstanceId) {
-    if (CInstance* found = LiveById(target)) targets.push_back(found);
-  } else if (target >= 0) {
-    ForEachOfObject(target, collect);
-  }
-  std::reverse(targets.begin(), targets.end());
-  return targets;
+// By its id a sleeping instance can be read and written.
+CInstance* ReachableById(int32_t id) {
+  CInstance* found = Instance_Find(id);
+  return found && !found->marked ? found : nullptr;
 }
 
+// Never destroyed; it only grows.
+std::vector<CInstance*>& g_targets = *new std::vector<CInstance*>;
+
+} // namespace
+
+WithSnapshot::WithSnapshot(CInstance* self, CInstance* other, int32_t target) : m_first(g_targets.size()) {
+  const auto collect = [](CInstance* it) {
+    if (it) g_targets.push_back(it);
+    return true;
+  };
+  if (target == self_ || target == kSelfAgain)
+    collect(self);
+  else if (target == other_)
+    collect(other);
+  else if (target == all)
+    ForEachActive(collect);
+  else if (target >= kFirstInstanceId)
+    collect(LiveById(target));
+  else if (target >= 0)
+    ForEachOfObject(target, collect);
+  m_next = g_targets.size();
+}
+
+WithSnapshot::~WithSnapshot() { g_targets.resize(m_first); }
+
+CInstance* WithSnapshot::Next() { return m_next == m_first ? nullptr : g_targets[--m_next]; }
+
 std::vector<CInstance*> WriteTargets(int32_t target) {
-  if (target != all && target < 0) return {};
-  std::vector<CInstance*> targets = WithTargets(nullptr, nullptr, target);
-  std::reverse(targets.begin(), targets.end());
+  std::vector<CInstance*> targets;
+  const auto collect = [&targets](CInstance* it) {
+    if (it) targets.push_back(it);
+    return true;
+  };
+  if (target == all)
+    ForEachActive(collect);
+  else if (target >= kFirstInstanceId)
+    collect(ReachableById(target));
+  else if (target >= 0)
+    ForEachOfObject(target, collect);
   return targets;
 }
 
 CInstance* FirstTarget(int32_t target) {
-  if (target >= kFirstInstanceId) return LiveById(target);
+  if (target >= kFirstInstanceId) return ReachableById(target);
   CInstance* found = nullptr;
   const auto take = [&found](CInstance* it) {
     found = it;

@@ -153,7 +153,10 @@ void CallBuiltin(CInstance* self, CInstance* other, RValue& result, int argc, in
   }
   result.SetUndefined();
   const RegistryEntry* entry = EntryOf(id);
-  if (!entry || !entry->function) return;
+  if (!entry || !entry->function) {
+    ReportError("Call of a built-in that does not exist (id %d)", id);
+    return;
+  }
   const CurrentFunction current(entry->name.c_str());
   if (argc < entry->argumentCount) {
     BorrowedArguments padded(args, argc, entry->argumentCount + kPaddedArguments);

@@ -52,7 +52,7 @@ void Function_AddExtension(std::string_view name, BuiltinFunction function);
 bool Function_Resolve(std::span<FunctionEntry> table, std::string& missing);
 
 // Calls by id from Function_Find. `result` is released first; it is undefined when the built-in writes none.
-// Arguments that a built-in of fixed count lacks read as undefined; an unknown id does nothing.
+// Arguments that a built-in of fixed count lacks read as undefined; an unknown id is an error report.
 void CallBuiltin(CInstance* self, CInstance* other, RValue& result, int argc, int32_t id, RValue* args);
 
 // ---- adapter ----

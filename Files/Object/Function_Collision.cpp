@@ -142,7 +142,8 @@ float distance_to_point(CInstance* self, float x, float y) {
 float distance_to_object(CInstance* self, CInstance* other, int32_t object) {
   float nearest = 1000000;
   if (!self) return nearest;
-  for (CInstance* instance : WithTargets(self, other, object))
+  WithSnapshot targets(self, other, object);
+  while (CInstance* instance = targets.Next())
     if (instance != self && instance->Live()) nearest = std::min(nearest, BoxDistance(*self, *instance));
   return nearest;
 }

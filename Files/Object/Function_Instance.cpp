@@ -172,7 +172,7 @@ int32_t instance_find(int32_t target, int32_t n) {
 
 void instance_change(CInstance* self, int32_t index, bool perform) {
   CObjectFb* object = ObjectToChangeInto(index);
-  if (self && object) Change(self, object, perform);
+  if (self && self->object && object) Change(self, object, perform);
 }
 
 void position_change(float x, float y, int32_t index, bool perform) {
@@ -186,9 +186,10 @@ void position_change(float x, float y, int32_t index, bool perform) {
 }
 
 int32_t instance_copy(CInstance* self, bool perform) {
-  if (!self || !CurrentRoom()) return noone;
+  if (!self || !self->object || !CurrentRoom()) return noone;
   CInstance* copy = Instance_Add(self->object, self->x, self->y);
   copy->CopyStateFrom(*self);
+  copy->marked = copy->destroyEventDone = copy->deactivated = false; // it lives, though made on the way out
   NoteResort(copy);
   if (perform) RunCreationEvents(copy);
   return copy->id;

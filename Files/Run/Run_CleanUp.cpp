@@ -86,7 +86,7 @@ void ApplyParents(RunState& run) {
 }
 
 void Note(std::vector<CInstance*>& list, bool InstancePlaces::*isListed, CInstance* instance) {
-  if (instance->*isListed) return;
+  if (instance->*isListed || !instance->object) return; // start-up code's self stands in no list
   instance->*isListed = true;
   list.push_back(instance);
 }
@@ -141,7 +141,7 @@ void RemoveMarked() {
 }
 
 void DestroyInstance(CInstance* instance, bool runDestroyEvent) {
-  if (instance->destroyEventDone) return;
+  if (instance->destroyEventDone || !instance->object) return;
   instance->destroyEventDone = true;
   if (runDestroyEvent) PerformOwnEvent(instance, instance, ev_destroy, 0);
   PerformOwnEvent(instance, instance, ev_cleanup, 0);

@@ -3,6 +3,8 @@
 #include "Files/Base/Console.h"
 #include "Files/Base/Error.h"
 #include "Files/Code/BuiltinAccess.h"
+#include "Files/Font/Font.h"
+#include "Files/Graphics/Draw.h"
 #include "Files/Graphics/Graphics.h"
 #include "Files/Graphics/Surface.h"
 #include "Files/IO/Gamepad.h"
@@ -55,6 +57,9 @@ void StartGame() {
   Game().score = 0;
   Game().lives = -1;
   Game().health = 100;
+  Font_ResetText();
+  draw_set_colour(c_black);
+  draw_set_alpha(1);
   Platform_Get().window->ShowCursor(settings.showCursor);
   Room_StartGame();
 }

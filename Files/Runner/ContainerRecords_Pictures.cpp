@@ -217,7 +217,7 @@ void ContainerReader::ReadFonts() {
 }
 
 FontRecord ContainerReader::ReadFont() {
-  constexpr uint32_t kGlyphHead = 10; // up to and with the height
+  constexpr uint32_t kGlyphBytes = 16; // eight fields
   FontRecord font;
   font.name = m_reader.Text();
   font.displayName = m_reader.Text();
@@ -231,7 +231,7 @@ FontRecord ContainerReader::ReadFont() {
   font.scaleY = m_reader.F32();
   font.glyphs = m_reader.List("glyphs");
   for (size_t i = 0; i < font.glyphs.size() && m_reader.Ok(); ++i)
-    m_reader.Check(font.glyphs[i] == 0 || m_container.Has(font.glyphs[i], kGlyphHead), [&] {
+    m_reader.Check(font.glyphs[i] == 0 || m_container.Has(font.glyphs[i], kGlyphBytes), [&] {
       return "glyph " + Number(static_cast<int64_t>(i)) + " ends outside the container";
     });
   return font;

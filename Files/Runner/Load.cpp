@@ -4,7 +4,9 @@
 #include "Files/Base/Console.h"
 #include "Files/Code/BuiltinVariables.h"
 #include "Files/Code/Slots.h"
+#include "Files/Font/Font.h"
 #include "Files/Function/Function.h"
+#include "Files/Graphics/Draw.h"
 #include "Files/Graphics/Shader.h"
 #include "Files/Graphics/Texture.h"
 #include "Files/Path/Path.h"
@@ -16,6 +18,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <cstdlib>
 #include <cstring>
 #include <utility>
 
@@ -52,6 +55,7 @@ void ClearTables() {
   Sprite_Reset();
   Background_Reset();
   Path_Reset();
+  Font_Reset();
   Script_Reset();
   Shader_Reset();
   World_ClearTables();
@@ -151,6 +155,59 @@ void LoadBackgrounds() {
 
 void LoadPaths() { Path_Load(g_load.records.paths); }
 
+int16_t Field(uint32_t offset, uint32_t field) {
+  return static_cast<int16_t>(g_load.container.U16(offset + 2 * field));
+}
+
+std::unique_ptr<CFontFb> MakeFont(const container::FontRecord& record) {
+  auto font = std::make_unique<CFontFb>();
+  font->name = record.displayName;
+  font->assetName = record.name;
+  font->size = record.size;
+  font->bold = record.bold;
+  font->italic = record.italic;
+  font->first = static_cast<int32_t>(record.rangeStart & 0xFFFF);
+  font->charset = static_cast<int32_t>(record.rangeStart >> 16 & 0xFF);
+  font->antialias = static_cast<int32_t>(record.rangeStart >> 24) - 1;
+  font->last = static_cast<int32_t>(record.rangeEnd);
+  font->page = EntryAt(record.page);
+  if (font->page) {
+    font->textureWidth = font->page->sourceWidth;
+    font->textureHeight = font->page->sourceHeight;
+  }
+  font->scaleX = record.scaleX;
+  font->scaleY = record.scaleY;
+  for (const uint32_t at : record.glyphs) {
+    if (at == 0) continue;
+    Glyph glyph;
+    glyph.character = g_load.container.U16(at);
+    glyph.x = Field(at, 1);
+    glyph.y = Field(at, 2);
+    glyph.frame = Field(at, 3);
+    glyph.height = Field(at, 4);
+    glyph.advance = Field(at, 5);
+    glyph.offset = Field(at, 6);
+    font->height = std::max<int32_t>(font->height, glyph.height);
+    font->glyphs.push_back(glyph);
+  }
+  std::stable_sort(font->glyphs.begin(), font->glyphs.end(),
+                   [](const Glyph& a, const Glyph& b) { return a.character < b.character; });
+  return font;
+}
+
+void LoadFonts() {
+  for (const auto& record : g_load.records.fonts)
+    Fonts().table.push_back(record ? MakeFont(*record) : nullptr);
+}
+
+// The colour that drawing starts with before a game starts, which goes back to black.
+void LoadOptions() {
+  const char* colour = Load_Constant("@@DrawColour");
+  if (!colour) return;
+  Drawing().colourWord = static_cast<uint32_t>(std::strtoul(colour, nullptr, 10));
+  Drawing().alphaByte = static_cast<uint8_t>(Drawing().colourWord >> 24);
+}
+
 void LoadScripts() {
   for (const auto& record : g_load.records.scripts) {
     if (record)
@@ -162,9 +219,11 @@ void LoadScripts() {
 
 void LoadShaders() {
   for (const auto& record : g_load.records.shaders) {
-    const container::ShaderRecord shader = record.value_or(container::ShaderRecord{});
-    Shader_Load(shader.name, static_cast<int32_t>(shader.kind), shader.glesVertex, shader.glesFragment,
-                {shader.attributes.begin(), shader.attributes.end()});
+    if (record)
+      Shader_Load(record->name, static_cast<int32_t>(record->kind), record->glesVertex, record->glesFragment,
+                  {record->attributes.begin(), record->attributes.end()});
+    else
+      Shaders().table.emplace_back();
   }
 }
 
@@ -195,11 +254,18 @@ constexpr struct {
   void (*load)();
   bool newAudioOnly = false;
 } kLoaders[] = {
-    {ChunkTag("SOND"), LoadSounds, true},      {ChunkTag("AUDO"), LoadSoundData, true},
-    {ChunkTag("AGRP"), LoadAudioGroups, true}, {ChunkTag("SPRT"), LoadSprites},
-    {ChunkTag("BGND"), LoadBackgrounds},       {ChunkTag("PATH"), LoadPaths},
-    {ChunkTag("SCPT"), LoadScripts},           {ChunkTag("SHDR"), LoadShaders},
-    {ChunkTag("OBJT"), World_LoadObjects},     {ChunkTag("ROOM"), World_LoadRooms},
+    {ChunkTag("SOND"), LoadSounds, true},
+    {ChunkTag("AUDO"), LoadSoundData, true},
+    {ChunkTag("AGRP"), LoadAudioGroups, true},
+    {ChunkTag("SPRT"), LoadSprites},
+    {ChunkTag("BGND"), LoadBackgrounds},
+    {ChunkTag("PATH"), LoadPaths},
+    {ChunkTag("SCPT"), LoadScripts},
+    {ChunkTag("SHDR"), LoadShaders},
+    {ChunkTag("FONT"), LoadFonts},
+    {ChunkTag("OPTN"), LoadOptions},
+    {ChunkTag("OBJT"), World_LoadObjects},
+    {ChunkTag("ROOM"), World_LoadRooms},
     {ChunkTag("TXTR"), LoadTextures},
 };
 
@@ -237,7 +303,7 @@ bool LoadGameData(const ContainerView& container, GameDescriptor& descriptor) {
   Code().table = descriptor.codeTable;
   Code().instanceSlotCount = descriptor.instanceSlotCount;
   Variables_Intern(descriptor.variableTable, descriptor.instanceSlotCount);
-  GlobalObject_Create(descriptor.globalSlotCount);
+  GlobalObject_Create(std::max(descriptor.globalSlotCount, descriptor.instanceSlotCount));
   if (!ReadOnce(container, static_cast<int32_t>(descriptor.codeTable.size()))) return false;
 
   bool known = true;
@@ -254,7 +320,9 @@ bool LoadGameData(const ContainerView& container, GameDescriptor& descriptor) {
     ProcessChunk(chunk);
   }
   Variables_Number(descriptor.variableTable);
-  for (FunctionEntry& entry : descriptor.functionTable) Function_Find(entry.name, entry.id);
+  for (FunctionEntry& entry : descriptor.functionTable)
+    if (!Function_Find(entry.name, entry.id))
+      ErrorConsole().Output("The game calls the built-in \"%s\", which does not exist\n", entry.name);
   for (const std::string& remark : g_load.records.remarks) ReleaseConsole().Output("%s\n", remark.c_str());
   if (!known) g_load.error = g_load.records.remarks.front();
   return known;

@@ -10,6 +10,8 @@
 #include "Files/Runner/Load.h"
 #include "Platform/Platform.h"
 
+#include <iterator>
+
 namespace vesk {
 
 namespace {
@@ -34,6 +36,25 @@ Extent Runner_FitWindow(const MainWindowWish& wish, Extent desktop, Extent frame
   return size;
 }
 
+DisplayMode Runner_WantedDisplay(const container::OptionsRecord& options) {
+  constexpr Extent kResolutions[] = {{320, 240},  {640, 480},   {800, 600},
+                                     {1024, 768}, {1280, 1024}, {1600, 1200}};
+  constexpr int32_t kDepths[] = {16, 32};
+  constexpr int32_t kFrequencies[] = {60, 70, 85, 100, 120};
+  DisplayMode mode;
+  if ((options.flags & container::kOptionChangeResolution) == 0) return mode;
+  // Codes count from 1.
+  const uint32_t depth = options.colourDepth - 1, resolution = options.resolution - 1,
+                 frequency = options.frequency - 1;
+  if (depth < std::size(kDepths)) mode.bits = kDepths[depth];
+  if (frequency < std::size(kFrequencies)) mode.hertz = kFrequencies[frequency];
+  if (resolution < std::size(kResolutions)) {
+    mode.width = kResolutions[resolution].width;
+    mode.height = kResolutions[resolution].height;
+  }
+  return mode;
+}
+
 bool Runner_CreateWindow() {
   const container::HeaderRecord& header = Load().records.header;
   const uint32_t optionFlags = Load().records.options.flags;
@@ -46,6 +67,7 @@ bool Runner_CreateWindow() {
       (header.flags & container::kHeaderFullScreen) != 0 || (optionFlags & container::kOptionFullScreen) != 0;
   settings.fullscreen = wantsFullscreen && !Options().inAWindow;
   settings.cursorVisible = Run_Settings().showCursor;
+  settings.display = Runner_WantedDisplay(Load().records.options);
   const MainWindowWish wish{{header.windowWidth, header.windowHeight},
                             settings.borderless,
                             (header.flags & container::kHeaderKeepAspect) != 0};

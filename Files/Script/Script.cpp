@@ -1,6 +1,7 @@
 #include "Files/Script/Script.h"
 
 #include "Files/Base/Error.h"
+#include "Files/Code/Slots.h"
 
 namespace vesk {
 
@@ -53,7 +54,7 @@ bool Script_Prepare(std::span<const int32_t> startupCode, std::string& error) {
       return false;
     }
     RValue result;
-    Code_ExecuteReporting(nullptr, nullptr, &code, result);
+    Code_ExecuteReporting(GlobalInstance(), GlobalInstance(), &code, result);
   }
   return true;
 }

@@ -62,6 +62,7 @@ public:
 private:
   bool StartVideo() const;
   bool Unseen() const; // a driver without a display
+  void TakeDisplayMode(const DisplayMode& wish);
 
   std::string m_driver;
   mutable bool m_videoStarted = false;
@@ -70,6 +71,7 @@ private:
   SDL_Cursor* m_cursor = nullptr;
   std::string m_failure;
   Extent m_createdSize;
+  bool m_ownMode = false; // full screen switches the display
 };
 
 class CSdlMessages final : public IMessages {

@@ -85,9 +85,26 @@ bool CSdlWindow::Create(const WindowSettings& settings) {
   }
   if (!m_window) return false;
   m_createdSize = {width, height};
+  m_ownMode = false;
+  TakeDisplayMode(settings.display);
+  if (settings.fullscreen && m_ownMode) SetFullscreen(true);
   SDL_StartTextInput();
   ShowCursor(settings.cursorVisible);
   return true;
+}
+
+// The nearest mode that the display has; none is near enough: it stays as it is.
+void CSdlWindow::TakeDisplayMode(const DisplayMode& wish) {
+  if (wish == DisplayMode{}) return;
+  const int display = std::max(SDL_GetWindowDisplayIndex(m_window), 0);
+  SDL_DisplayMode mode{}, nearest{};
+  if (SDL_GetDesktopDisplayMode(display, &mode) != 0) return;
+  if (wish.width > 0) mode.w = wish.width;
+  if (wish.height > 0) mode.h = wish.height;
+  if (wish.bits > 0) mode.format = wish.bits == 16 ? SDL_PIXELFORMAT_RGB565 : SDL_PIXELFORMAT_RGB888;
+  if (wish.hertz > 0) mode.refresh_rate = wish.hertz;
+  m_ownMode = SDL_GetClosestDisplayMode(display, &mode, &nearest) != nullptr &&
+              SDL_SetWindowDisplayMode(m_window, &nearest) == 0;
 }
 
 void CSdlWindow::Destroy() {
@@ -156,7 +173,10 @@ void CSdlWindow::Center() {
 }
 
 void CSdlWindow::SetFullscreen(bool on) {
-  if (m_window) SDL_SetWindowFullscreen(m_window, on ? SDL_WINDOW_FULLSCREEN_DESKTOP : 0);
+  if (m_window)
+    SDL_SetWindowFullscreen(m_window, !on         ? 0
+                                      : m_ownMode ? SDL_WINDOW_FULLSCREEN
+                                                  : SDL_WINDOW_FULLSCREEN_DESKTOP);
 }
 bool CSdlWindow::Fullscreen() const {
   return m_window && (SDL_GetWindowFlags(m_window) & SDL_WINDOW_FULLSCREEN) != 0;

@@ -145,6 +145,41 @@ TEST_F(With, ATargetReadsFromOneAndWritesToAll) {
   EXPECT_FALSE(SetVarOf(coin, BuiltinVariables_Find("id"), kNoIndex, RValue(1.0))) << "read only";
 }
 
+// Nested loops share one stack of targets; leaving an inner one early must not disturb the outer one.
+TEST_F(With, NestedLoopsKeepTheirTargets) {
+  std::vector<int32_t> ids;
+  for (int i = 0; i < 3; ++i) ids.push_back(Make(coin)->id);
+  std::string order;
+  with(coin, [&](Self outer) {
+    order += std::to_string(outer.number() - ids[0]);
+    with(coin, [&](Self inner) {
+      if (inner == outer) return true;
+      order += static_cast<char>('a' + inner.number() - ids[0]);
+      for (int i = 0; i < 40; ++i) Make(stone);
+      with(all, [](Self) { return false; });
+      return inner.number() != ids[0]; // ends the inner loop
+    });
+  });
+  EXPECT_EQ(order, "2ba1ca0cb");
+}
+
+TEST_F(With, ByItsIdASleepingInstanceIsReadAndWritten) {
+  CInstance* it = Make(coin);
+  Self self(it);
+  self[hp] = 4;
+  it->deactivated = true;
+  NoteDeactivation(it);
+  CleanUpInstances();
+  RValue out;
+  EXPECT_TRUE(GetSlotOf(it->id, hp.number, kNoIndex, out));
+  EXPECT_EQ(out.real, 4);
+  EXPECT_TRUE(SetSlotOf(it->id, hp.number, kNoIndex, RValue(5.0)));
+  EXPECT_EQ(self[hp], 5);
+  EXPECT_EQ(first(it->id).instance, it);
+  EXPECT_TRUE(Visited(it->id).empty()) << "with passes it over";
+  EXPECT_FALSE(first(coin));
+}
+
 TEST_F(With, AMissingTargetLeavesTheDestination) {
   RValue out("before");
   VariableAccess().readFailed = false;

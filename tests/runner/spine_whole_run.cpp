@@ -1,9 +1,13 @@
 // A whole game, from the container's bytes to the shutdown, as often as it likes in one process.
 #include "Files/Base/Console.h"
 #include "Files/Base/Error.h"
+#include "Files/Code/BuiltinVariables.h"
 #include "Files/Code/Self.h"
+#include "Files/Font/Font.h"
+#include "Files/Graphics/Draw.h"
 #include "Files/Graphics_API/RecordingDevice.h"
 #include "Files/IO/IO_Functions.h"
+#include "Files/Object/Function_Instance.h"
 #include "Files/Object/Object.h"
 #include "Files/Room/Function_Room.h"
 #include "Files/Room/Room.h"
@@ -220,6 +224,122 @@ TEST_F(WholeRun, TheStepsOfTheStartAreLoggedInTheirOrder) {
     ASSERT_NE(found, std::string::npos) << line;
     at = found;
   }
+}
+
+// ---- what the container asks for at the start ----
+
+namespace {
+
+constexpr Slot kStarted{0};
+bool startedAsGlobal = false;
+
+void StartUp(Self self, Other other) {
+  startedAsGlobal = self.instance == GlobalInstance() && other.instance == GlobalInstance();
+  self[kStarted] = 5;
+  self[depth] = 3; // what an instance in lists would be noted for
+  instance_destroy(self);
+  EXPECT_EQ(instance_copy(self, true), noone);
+  EXPECT_EQ(Drawing().colourWord, 0x80402010u);
+  draw_set_font(0);
+}
+void RestartOnce(Self) {
+  seen += "room-start ";
+  if (global[kStarted] == 5) {
+    global[kStarted] = 6;
+    game_restart();
+  }
+}
+
+const CodeEntry kStartCode[] = {
+    {"fbl_Script_start", EventFunction(&StartUp)},
+    {"fbl_Object_obj_one_Other_4", EventFunction(&RestartOnce)},
+};
+
+pack::Game StartGame() {
+  pack::Game game;
+  game.header.name = "SmallGame";
+  game.options.constants = {{"@@DrawColour", "2151686160"}}; // 0x80402010
+  game.startScripts = {0};
+  game.backgrounds.push_back({"bg_letters", pack::SolidPicture(32, 16, 0xFFFFFFFF)});
+  pack::Font font;
+  font.name = "fnt_small";
+  font.displayName = "Small";
+  font.background = 0;
+  font.glyphs = {{'B', 8, 0, 6, 9, 7, 1}, {'A', 0, 0, 7, 12, 8, 0}};
+  game.fonts.push_back(font);
+  pack::Object one;
+  one.name = "obj_one";
+  one.events = {{ev_other, ev_room_start, 1}};
+  game.objects.push_back(one);
+  pack::Room room;
+  room.name = "rm_one";
+  room.instances.push_back({});
+  game.rooms.push_back(room);
+  return game;
+}
+
+} // namespace
+
+TEST_F(WholeRun, StartUpCodeRunsAsTheGlobalObject) {
+  container = pack::Write(StartGame());
+  startedAsGlobal = false;
+  RunnerSetup setup = Setup("-noaudio");
+  descriptor.codeTable = kStartCode;
+  Runner_Begin(std::move(setup));
+  ASSERT_TRUE(Runner_Open()) << Load().error;
+  EXPECT_TRUE(startedAsGlobal);
+  EXPECT_EQ(Drawing().colourWord, 0xFF000000u) << "a game starts in black";
+  EXPECT_EQ(draw_get_font(), -1);
+  EXPECT_EQ(Error().fatalCount, 0);
+  Runner_Close();
+}
+
+TEST_F(WholeRun, AGameThatRestartsInItsFirstRoomStartsAgain) {
+  container = pack::Write(StartGame());
+  RunnerSetup setup = Setup("-noaudio");
+  descriptor.codeTable = kStartCode;
+  Runner_Begin(std::move(setup));
+  ASSERT_TRUE(Runner_Open());
+  EXPECT_TRUE(Runner_Pass());
+  EXPECT_EQ(seen, "room-start room-start ");
+  Runner_Close();
+}
+
+TEST_F(WholeRun, FontsOfTheContainerAreThereByIndex) {
+  container = pack::Write(StartGame());
+  RunnerSetup setup = Setup("-noaudio");
+  descriptor.codeTable = kStartCode;
+  Runner_Begin(std::move(setup));
+  ASSERT_TRUE(Runner_Open());
+  ASSERT_TRUE(font_exists(0));
+  const CFontFb& font = *Font_Find(0);
+  EXPECT_EQ(font.assetName, "fnt_small");
+  EXPECT_EQ(font.name, "Small");
+  EXPECT_EQ(font.antialias, 1);
+  EXPECT_EQ(font.height, 12);
+  EXPECT_EQ(font.textureWidth, 32);
+  EXPECT_EQ(font.textureHeight, 16);
+  draw_set_font(0);
+  EXPECT_EQ(string_width("AB"), 15);
+  EXPECT_EQ(string_height("B"), 12);
+  ASSERT_NE(font.FindGlyph('B'), nullptr) << "found though the file has them in another order";
+  EXPECT_EQ(font.FindGlyph('B')->offset, 1);
+  EXPECT_EQ(font.FindGlyph('C'), nullptr);
+  Runner_Close();
+}
+
+TEST(MainWindow, TurnsTheOptionsCodesIntoADisplayMode) {
+  container::OptionsRecord options;
+  options.colourDepth = 1;
+  options.resolution = 4;
+  options.frequency = 5;
+  EXPECT_EQ(Runner_WantedDisplay(options), DisplayMode{}) << "the flag is clear";
+  options.flags = container::kOptionChangeResolution;
+  EXPECT_EQ(Runner_WantedDisplay(options), (DisplayMode{1024, 768, 16, 120}));
+  options.colourDepth = 3;
+  options.resolution = 0;
+  options.frequency = 6;
+  EXPECT_EQ(Runner_WantedDisplay(options), DisplayMode{});
 }
 
 TEST(MainWindow, IsCutToTheDesktopAndKeepsItsShapeWhenAsked) {
