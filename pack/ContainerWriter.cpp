@@ -587,11 +587,25 @@ std::vector<const Picture*> Pictures(const Game& game) {
   return pictures;
 }
 
+// Sprites and tile sets are drawn in turns all over a picture: they share pages before backdrops and screens
+// take what room is left.
+std::vector<int> Ranks(const Game& game) {
+  std::vector<int> ranks;
+  for (const Sprite& sprite : game.sprites) ranks.insert(ranks.end(), sprite.frames.size(), 0);
+  const size_t first = ranks.size();
+  ranks.resize(first + game.backgrounds.size(), 1);
+  for (const Room& room : game.rooms)
+    for (const RoomTile& tile : room.tiles)
+      if (tile.background >= 0 && static_cast<size_t>(tile.background) < game.backgrounds.size())
+        ranks[first + static_cast<size_t>(tile.background)] = 0;
+  return ranks;
+}
+
 } // namespace
 
 std::vector<uint8_t> Write(const Game& game) {
   const std::vector<const Picture*> pictures = Pictures(game);
-  const TexturePages pages = PackPages(pictures);
+  const TexturePages pages = PackPages(pictures, Ranks(game));
   const SoundData sounds = PlaceSounds(game.sounds);
   const std::vector<int> instanceIds = Ids(game.rooms, &Room::instances, kFirstInstance);
   const std::vector<int> tileIds = Ids(game.rooms, &Room::tiles, kFirstTile);

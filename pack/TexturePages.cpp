@@ -50,18 +50,29 @@ PagePlace Crop(const Picture& picture) {
   return place;
 }
 
-// Packs what fits onto one page of that size; true when everything did.
-bool PackOnce(std::vector<stbrp_rect>& rects, int width, int height) {
+// Packs what fits onto one page of that size, a rank at a time; true when everything did. The rectangles
+// stand in the order of their ranks.
+bool PackOnce(std::vector<stbrp_rect>& rects, std::span<const int> ranks, int width, int height) {
   std::vector<stbrp_node> nodes(static_cast<size_t>(width));
   stbrp_context context;
   stbrp_init_target(&context, width, height, nodes.data(), width);
   stbrp_setup_heuristic(&context, STBRP_HEURISTIC_Skyline_BF_sortHeight);
-  return stbrp_pack_rects(&context, rects.data(), static_cast<int>(rects.size())) != 0;
+  const auto rank = [&](const stbrp_rect& rect) {
+    return ranks.empty() ? 0 : ranks[static_cast<size_t>(rect.id)];
+  };
+  bool all = true;
+  for (auto from = rects.begin(); from != rects.end();) {
+    const auto to =
+        std::find_if(from, rects.end(), [&](const stbrp_rect& rect) { return rank(rect) != rank(*from); });
+    all = stbrp_pack_rects(&context, &*from, static_cast<int>(to - from)) != 0 && all;
+    from = to;
+  }
+  return all;
 }
 
 } // namespace
 
-TexturePages PackPages(std::span<const Picture* const> pictures) {
+TexturePages PackPages(std::span<const Picture* const> pictures, std::span<const int> ranks) {
   TexturePages result;
   std::vector<stbrp_rect> rects;
   for (const Picture* picture : pictures) {
@@ -74,13 +85,19 @@ TexturePages PackPages(std::span<const Picture* const> pictures) {
     result.places.push_back(place);
   }
 
+  const auto before = [&](const stbrp_rect& a, const stbrp_rect& b) {
+    const int rankA = ranks.empty() ? 0 : ranks[static_cast<size_t>(a.id)];
+    const int rankB = ranks.empty() ? 0 : ranks[static_cast<size_t>(b.id)];
+    return rankA != rankB ? rankA < rankB : a.id < b.id;
+  };
   while (!rects.empty()) {
+    std::sort(rects.begin(), rects.end(), before);
     int64_t area = 0;
     for (const stbrp_rect& rect : rects) area += static_cast<int64_t>(rect.w) * rect.h;
     int width = kSmallestPage, height = kSmallestPage;
     const auto grow = [&] { (width <= height ? width : height) *= 2; };
     while (area > static_cast<int64_t>(width) * height && height < kPageSize) grow();
-    while (!PackOnce(rects, width, height) && height < kPageSize) grow();
+    while (!PackOnce(rects, ranks, width, height) && height < kPageSize) grow();
 
     const int page = static_cast<int>(result.pages.size());
     Picture picture{width, height,
@@ -105,8 +122,6 @@ TexturePages PackPages(std::span<const Picture* const> pictures) {
     }
     result.pages.push_back(std::move(picture));
     rects = std::move(left);
-    std::sort(rects.begin(), rects.end(),
-              [](const stbrp_rect& a, const stbrp_rect& b) { return a.id < b.id; });
   }
   return result;
 }

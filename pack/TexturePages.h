@@ -26,7 +26,9 @@ struct TexturePages {
 
 // Pages are powers of two, no larger than needed, with a clear pixel between pictures. A picture without a
 // visible pixel keeps one clear pixel. Throws std::runtime_error for a picture that no page can hold.
-TexturePages PackPages(std::span<const Picture* const> pictures);
+// Pictures of a lower rank come first onto every page, so that what is drawn together stands together; none:
+// all the same.
+TexturePages PackPages(std::span<const Picture* const> pictures, std::span<const int> ranks = {});
 
 // An 8-bit RGBA PNG file in memory, the same bytes for the same picture. Throws std::runtime_error.
 std::string EncodePng(const Picture& picture);
