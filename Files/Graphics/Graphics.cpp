@@ -89,7 +89,7 @@ void AlternateSync() {
   GraphicsState& g = g_graphics;
   const double rate = Window().RefreshRate();
   const double period = kSecond / Run_RoomSpeed(), refresh = rate > 0 ? kSecond / rate : kUnknownRefresh;
-  const auto elapsed = [&g] { return static_cast<double>(Timing_Time() - g.lastSync); };
+  const auto elapsed = [] { return static_cast<double>(Timing_Time() - g_graphics.lastSync); };
   if (elapsed() - g.syncError < period) {
     const double sleep = std::clamp(period - 0.9 * refresh - elapsed() + g.syncError, 0.0, kSecond);
     if (sleep > 0) Platform_Get().clock->Sleep(static_cast<int64_t>(sleep));

@@ -32,7 +32,7 @@ const Row* Find(const std::string& name) {
 class Hit {
 public:
   Hit(const Row& row, double tune, double dying, double tone, uint32_t seed)
-      : m_kind(row.kind), m_step(tune / kRate), m_dying(dying), m_tone(tone), m_random(seed),
+      : m_kind(row.kind), m_step(tune / kRate), m_tone(tone), m_random(seed),
         m_body(dying / 3), m_half(dying / 5) {
     switch (m_kind) {
     case Kind::kick: m_first.Set(1800, 0.2); break;
@@ -113,7 +113,7 @@ private:
   }
 
   Kind m_kind;
-  double m_step, m_dying, m_tone, m_phase = 0, m_other = 0;
+  double m_step, m_tone, m_phase = 0, m_other = 0;
   RandomNumbers m_random;
   Decay m_body, m_half, m_4ms{0.004}, m_16ms{0.016}, m_60ms{0.06};
   Filter m_first, m_second, m_third;
