@@ -198,6 +198,13 @@ void WalkPairs(const CollisionPair& pair, uint64_t limit, const Collided& collid
   }
 }
 
+struct Pair { // of instances whose boxes overlap
+  uint64_t serialA, serialB;
+  CInstance *a, *b;
+};
+// The last pass's queue, whose room the next one takes over.
+std::vector<Pair> g_spareQueue;
+
 // The nested walk without the pairs that are far apart.
 //
 // Why it visits the same pairs in the same state: the walk goes through pairs in the order of (a, b) by list
@@ -210,7 +217,9 @@ void WalkPairs(const CollisionPair& pair, uint64_t limit, const Collided& collid
 class PairPass {
 public:
   PairPass(const CollisionPair& pair, uint64_t limit)
-      : m_index(CollisionIndex()), m_a(pair.objectA), m_b(pair.objectB), m_limit(limit) {
+      : m_index(CollisionIndex()), m_a(pair.objectA), m_b(pair.objectB), m_limit(limit),
+        m_queue(std::move(g_spareQueue)) {
+    m_queue.clear();
     m_index.Refresh();
     if (m_index.watchers++ == 0) m_index.changed.clear();
     m_seen = m_index.changed.size();
@@ -222,7 +231,10 @@ public:
     }
     std::make_heap(m_queue.begin(), m_queue.end(), Later);
   }
-  ~PairPass() { --m_index.watchers; }
+  ~PairPass() {
+    --m_index.watchers;
+    g_spareQueue = std::move(m_queue);
+  }
   PairPass(const PairPass&) = delete;
   PairPass& operator=(const PairPass&) = delete;
 
@@ -246,10 +258,6 @@ public:
   }
 
 private:
-  struct Pair {
-    uint64_t serialA, serialB;
-    CInstance *a, *b;
-  };
   static bool Later(const Pair& x, const Pair& y) {
     return x.serialA != y.serialA ? x.serialA > y.serialA : x.serialB > y.serialB;
   }

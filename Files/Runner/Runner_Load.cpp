@@ -223,6 +223,7 @@ void Runner_ApplyOptions() {
   runner.gameName = header.name;
   Error().gameName = header.displayName;
   Game_SetIdentity(header.gameId, header.guid, header.displayName, header.name);
+  Game().debugMode = options.debug;
   Error().allFatal = (records.flags & container::kOptionAbortOnError) != 0;
   Files_Locations().saveArea = Runner_SavePrefix();
 

@@ -185,6 +185,22 @@ TEST_F(WholeRun, OptionsBesideTheGameGiveWayToTheCommandLine) {
   Runner_Close();
 }
 
+TEST_F(WholeRun, DebugModeIsSwitchedOnByTheLineOrTheOptions) {
+  const auto debugged = [this](const std::string& line) {
+    Runner_Begin(Setup("-noaudio " + line));
+    EXPECT_TRUE(Runner_Open());
+    RValue mode;
+    Variable_GetValue(nullptr, BuiltinVariables_Find("debug_mode"), kNoIndex, mode);
+    Runner_Close();
+    return mode.real == 1;
+  };
+  EXPECT_FALSE(debugged(""));
+  EXPECT_TRUE(debugged("-debug"));
+  EXPECT_FALSE(debugged("-game x.win -debug")) << "a game file is known by then";
+  ASSERT_TRUE(File_WriteAll(folder + "options.ini", "[DEFAULT]\nDebug=1\n"));
+  EXPECT_TRUE(debugged(""));
+}
+
 TEST_F(WholeRun, TheStepsOfTheStartAreLoggedInTheirOrder) {
   Runner_Begin(Setup("-noaudio -debugoutput " + folder + "debug.txt -headless"));
   Runner_Open();
