@@ -28,7 +28,7 @@ struct WindowSettings {
   DisplayMode display = {};
 };
 
-// Shapes of the pointer, in the order of the cursor constants.
+// Shapes of the pointer.
 enum class CursorShape : uint8_t {
   None,
   Default,

@@ -31,14 +31,27 @@ bool window_has_focus() { return Window().HasFocus(); }
 void window_set_colour(int32_t colour) { Graphics().windowColour = static_cast<uint32_t>(colour) & 0xFFFFFF; }
 int32_t window_get_colour() { return static_cast<int32_t>(Graphics().windowColour); }
 
-// The constants run from -1, the arrow's default, downward.
-void window_set_cursor(int32_t cursor) {
-  if (cursor > 0 || -cursor > static_cast<int32_t>(CursorShape::SizeAll)) return;
-  Window().ShowCursor(cursor != -1);
-  Window().SetCursor(static_cast<CursorShape>(-cursor));
-}
+struct CursorRow {
+  WindowCursor constant;
+  CursorShape shape;
+};
+constexpr CursorRow kCursors[] = {
+    {cr_default, CursorShape::Default},     {cr_none, CursorShape::None},
+    {cr_arrow, CursorShape::Arrow},         {cr_cross, CursorShape::Cross},
+    {cr_beam, CursorShape::Beam},           {cr_size_nesw, CursorShape::SizeNESW},
+    {cr_size_ns, CursorShape::SizeNS},      {cr_size_nwse, CursorShape::SizeNWSE},
+    {cr_size_we, CursorShape::SizeWE},      {cr_uparrow, CursorShape::UpArrow},
+    {cr_hourglass, CursorShape::HourGlass}, {cr_drag, CursorShape::Drag},
+    {cr_appstart, CursorShape::AppStart},   {cr_handpoint, CursorShape::HandPoint},
+    {cr_size_all, CursorShape::SizeAll},
+};
 
 } // namespace
+
+void window_set_cursor(int32_t cursor) {
+  for (const CursorRow& row : kCursors)
+    if (row.constant == cursor) Window().SetCursor(row.shape);
+}
 
 void Function_AddWindow() {
   static constexpr BuiltinRow kBuiltins[] = {

@@ -87,6 +87,24 @@ bool display_get_windows_alternate_sync();
 void window_set_size(int32_t width, int32_t height);
 void window_set_fullscreen(bool on);
 bool window_get_fullscreen();
+enum WindowCursor : int32_t { // the fifteen standard cursors
+  cr_default = 0,
+  cr_none = -1, // hidden
+  cr_arrow = -2,
+  cr_cross = -3,
+  cr_beam = -4,
+  cr_size_nesw = -5,
+  cr_size_ns = -6,
+  cr_size_nwse = -7,
+  cr_size_we = -8,
+  cr_uparrow = -9,
+  cr_hourglass = -10,
+  cr_drag = -11,
+  cr_appstart = -12,
+  cr_handpoint = -13,
+  cr_size_all = -14,
+};
+void window_set_cursor(int32_t cursor); // any other number changes nothing
 void window_center();
 
 } // namespace vesk

@@ -348,6 +348,24 @@ TEST(DrawScreen, TheCursorSpriteFollowsTheMouseInTheWindow) {
   Input().mice[0] = {};
 }
 
+TEST(DrawScreen, CursorConstantsChooseTheShapeOfThePointer) {
+  ScreenStage s;
+  const auto& window = s.stage.platform.window;
+  const struct {
+    int32_t constant;
+    CursorShape shape;
+  } cases[] = {{cr_none, CursorShape::None},
+               {cr_default, CursorShape::Default},
+               {cr_handpoint, CursorShape::HandPoint},
+               {cr_size_all, CursorShape::SizeAll},
+               {77, CursorShape::SizeAll},
+               {-99, CursorShape::SizeAll}};
+  for (const auto& it : cases) {
+    window_set_cursor(it.constant);
+    EXPECT_EQ(window.cursor, it.shape) << it.constant;
+  }
+}
+
 // With the alternate method a frame's end waits; over time the frames keep their period.
 TEST(DrawScreen, AlternateSyncPacesFramesAtTheirEnd) {
   ScreenStage s;
