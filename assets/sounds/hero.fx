@@ -42,9 +42,9 @@ sound snd_stomp 0.2 level=-16                     # squashy hop
   layer type=wood tune=420 dec=.05 tone=.3 vol=-6
 
 sound snd_stomp2 0.4 level=-14                    # deep ground thump
-  layer type=kick tune=58 dec=.24 tone=.7
-  layer osc=noise cut=1400>180@.2 adsr=.002:.22:0 vol=-2
-  layer osc=tri hz=180>88@.1 adsr=.002:.2:0 vol=-4
+  layer type=kick tune=62 dec=.24 tone=.8 vol=-4
+  layer osc=noise cut=1900>260@.2 adsr=.002:.22:0
+  layer osc=tri osc2=pulse:.4 mix=.3 hz=240>180@.1 adsr=.002:.2:0 cut=1200 vol=-3
   layer osc=noise scatter=9:.25:-10 len=.01 adsr=.001:.012:0 cut=2600 filter=bp res=.6 rnd=9 at=.05 vol=-12
 
 sound snd_hurt 0.4 level=-16                      # snort and grunt
@@ -70,12 +70,12 @@ sound snd_whistle 0.6 level=-17                   # finger whistle, two notes up
   layer osc=noise cut=2340 filter=bp res=.93 adsr=.01:.3:.8:.08 at=.24 len=.25 vol=-11
 
 sound snd_heartbeat 1.33333333 loop level=-19     # double stroke, once in 80 steps
-  layer type=kick tune=82 dec=.15 tone=.25
-  layer osc=tri hz=190>112@.08 adsr=.004:.14:0 cut=900 vol=-1
-  layer type=kick tune=70 dec=.17 tone=.2 at=.32 vol=-3
-  layer osc=tri hz=165>96@.1 adsr=.004:.16:0 cut=800 at=.32 len=.3 vol=-3
-  layer osc=noise cut=280 adsr=.01:.09:0 at=.0 len=.1 vol=-12
-  layer osc=noise cut=240 adsr=.01:.1:0 at=.32 len=.12 vol=-14
+  layer type=kick tune=82 dec=.15 tone=.25 vol=-6
+  layer osc=tri osc2=pulse:.4 mix=.25 hz=230>185@.1 adsr=.004:.14:0 cut=900
+  layer type=kick tune=70 dec=.17 tone=.2 at=.32 vol=-9
+  layer osc=tri osc2=pulse:.4 mix=.25 hz=210>178@.1 adsr=.004:.16:0 cut=800 at=.32 len=.3 vol=-3
+  layer osc=noise cut=500 adsr=.01:.09:0 len=.1 vol=-8
+  layer osc=noise cut=420 adsr=.01:.1:0 at=.32 len=.12 vol=-11
 
 sound snd_pmeter 0.4 loop level=-20               # quick high trill
   layer osc=pulse:.35 times=4:.1 hz=1318>1318@.048>1568@.052 len=.088 adsr=.003:.4:.6:.01 cut=4200

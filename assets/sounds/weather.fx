@@ -15,8 +15,8 @@ sound snd_thunder 2.2 level=-14 reverb=.15:1.4    # crack and long roll
   layer type=kick tune=58 dec=.4 tone=.5 at=.03 vol=-6
 
 sound snd_horror 24 loop level=-31 reverb=.35:3.5 # very quiet low drone with far knocks
-  layer osc=tri osc2=saw detune=7 mix=.35 hz=110 steady=3 cut=620 vib=.125:14 trem=.125:.35
-  layer osc=tri hz=164.8 steady=3 trem=.0833:.8 vol=-5
+  layer osc=tri osc2=saw detune=7 mix=.35 hz=110 steady=3 cut=620 vib=.125:14 trem=.125:.35 vol=-3
+  layer osc=tri osc2=saw mix=.2 hz=220 steady=3 trem=.0833:.8 cut=900 vol=-3
   layer osc=sin hz=233.1 steady=3 trem=.0417:1 vol=-11
   layer osc=noise cut=330 filter=bp res=.8 steady=3 trem=.0833:.7 vol=-9
   layer type=tom tune=118 dec=.2 tone=.4 at=3.1 vol=-1
