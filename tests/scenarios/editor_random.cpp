@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cctype>
 #include <random>
 
 namespace vesk {
@@ -85,6 +86,50 @@ TEST(EditorRandom, NothingThatAHandDoesIsReported) {
     EXPECT_EQ(desk.Read(name), saved);
   }
   EXPECT_GT(placed, 0u); // the hand did something
+}
+
+// A level file with damage anywhere is refused or opens; it never takes the program down.
+TEST(EditorRandom, DamagedFilesAreRefusedOrOpen) {
+  const std::string whole =
+      R"({"Main":{"HEIGHT":14,"WIDTH":24,"MUSIC":"Cool","BACKGROUND":"Ice","RAIN":1,"DARKNESS":1,"WATER_LEVEL":4,)"
+      R"("WATER_COLOR":"Blue","TILES":{"0,12":"0,4","1,12":"0,4","5,5":"1,1"},"TILES_BG":{"2,2":"3,3"},)"
+      R"("OBJECTS":{"1,10":"Durian","4,4":"Brick","9,3":"Lamp"},"MODIFIERS":{"4,4":"Star","6,6":"TEXT:Boss,In","7,7":)"
+      R"("DESTINATION:In"},"MARKERS":{"6,6":"Door"}},"Boss":{"HEIGHT":14,"WIDTH":24,"MUSIC":"Cool","BACKGROUND":"Wall",)"
+      R"("RAIN":0,"DARKNESS":0,"WATER_LEVEL":0,"WATER_COLOR":"Red","TILES":{},"TILES_BG":{},"OBJECTS":{},"MODIFIERS":{},)"
+      R"("MARKERS":{}}})";
+  EditorDesk desk;
+  std::mt19937 chance(7);
+  const auto below = [&](size_t limit) { return static_cast<size_t>(chance() % limit); };
+  int opened = 0, refused = 0;
+  for (int round = 0; round < 600; ++round) {
+    std::string text = whole;
+    for (size_t damage = 1 + below(2); damage > 0; --damage) {
+      const size_t at = below(text.size());
+      switch (below(9)) {
+      case 0: text[at] = static_cast<char>(below(256)); break;
+      case 1: text.erase(at, 1 + below(6)); break;
+      case 2: text.insert(at, text.substr(below(text.size()), 1 + below(8))); break;
+      case 3: text[at] = "0123456789-.,\"{}[]"[below(18)]; break;
+      case 4:
+      case 5:
+      case 6:
+      case 7: // within a number or a word
+        if (std::isalnum(static_cast<unsigned char>(text[at]))) text[at] = "0123456789-,.xA"[below(15)];
+        break;
+      default: text.insert(at, std::string(1 + below(3), "9-e,\""[below(5)]));
+      }
+      if (text.empty()) text = " ";
+    }
+    desk.Write("damaged", text);
+    const std::string file = desk.Directory() + "/Level/damaged.json";
+    const std::string why = round % 2 == 0 ? desk.Game().Edit(file, "Main") : desk.Game().Play(file, "Main");
+    ++(why.empty() ? opened : refused);
+    desk.Step(round % 2 == 0 ? 3 : 20);
+    ASSERT_EQ(desk.Game().FatalReport(), "") << text;
+    ASSERT_TRUE(desk.Game().Running());
+  }
+  EXPECT_GT(opened, 50);
+  EXPECT_GT(refused, 50);
 }
 
 } // namespace vesk
