@@ -97,6 +97,23 @@ TEST_F(Scripts, PrintWhatIsAskedFor) {
   EXPECT_EQ(lines[8], "\"levelname\":\"a name\"}");
 }
 
+TEST_F(Scripts, OpenTheEditorAsTheMenuDoes) {
+  const Outcome fresh = Run("new \"Fresh one\"\nexpect global.room == 3\nexpect obj_persistent.done >= 1\n"
+                            "mouse 192 108\nclick 72 18\nexpect count(obj_ewindow_item) == 1\nclick 24 74\n"
+                            "step 6\nclick 104 104\nclick 312 18\ndump global levelname section\n");
+  EXPECT_EQ(fresh.result, ScriptResult::kAllWell) << fresh.errors;
+  EXPECT_THAT(fresh.lines, HasSubstr("\"levelname\":\"Fresh one\",\"section\":\"Main\""));
+  EXPECT_TRUE(std::filesystem::exists(directory + "/Level/Fresh one.json"));
+  EXPECT_EQ(Run("new \"Fresh one\"\n").result, ScriptResult::kBadScript); // it exists now
+  EXPECT_EQ(Run("new a/b\n").result, ScriptResult::kBadScript);
+  const Outcome opened =
+      Run("edit \"" + directory + "/Level/here.json\"\nexpect count(obj_editor_object) == 1\n");
+  EXPECT_EQ(opened.result, ScriptResult::kAllWell) << opened.errors;
+  const Outcome missing = Run("edit \"" + directory + "/Level/here.json\" Cellar\n");
+  EXPECT_EQ(missing.result, ScriptResult::kBadScript);
+  EXPECT_THAT(missing.errors, HasSubstr("no section \"Cellar\""));
+}
+
 TEST_F(Scripts, WatchEveryFrameUntilToldNotTo) {
   const Outcome run =
       Run(Play() + "watch obj_tovin y\nwatch global health\nstep 5\ntap x 2\nunwatch\nstep 5\n");
