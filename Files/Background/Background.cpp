@@ -4,6 +4,7 @@
 #include "Files/Base/Console.h"
 #include "Files/Base/Error.h"
 #include "Files/Graphics/Graphics.h"
+#include "Files/Graphics/OutsideImage.h"
 #include "Files/Graphics/Surface.h"
 #include "Files/Graphics/Texture.h"
 
@@ -105,6 +106,27 @@ int32_t background_create_from_surface(int32_t surface, int32_t x, int32_t y, in
   made.smooth = smooth;
   made.preload = preload;
   SetImage(made, std::move(pixels), width, height);
+  return index;
+}
+
+int32_t background_add(std::string_view file, bool removeback, bool smooth) {
+  PngImage image;
+  std::string why;
+  if (!Png_ReadFile(std::string(file), image, why)) {
+    DebugConsole().Output("Failed to decode background data in %s\n", std::string(file).c_str());
+    ReportError("background_add: \"" + std::string(file) + "\" " + why, false);
+    return -1;
+  }
+  if (removeback) RemoveBack(image);
+  auto& table = Backgrounds().table;
+  const auto index = static_cast<int32_t>(table.size());
+  table.push_back(std::make_unique<CBackground>());
+  CBackground& made = *table.back();
+  made.index = index;
+  made.name = "__newbackground" + std::to_string(index);
+  made.transparent = removeback;
+  made.smooth = smooth;
+  SetImage(made, std::move(image.pixels), image.width, image.height);
   return index;
 }
 

@@ -116,6 +116,7 @@ void Function_AddBackground() {
       Builtin<&draw_background_tiled>("draw_background_tiled"),
       Builtin<&draw_background_tiled_ext>("draw_background_tiled_ext"),
       Builtin<&draw_background_general>("draw_background_general"),
+      Builtin<&background_add>("background_add"),
       Builtin<&background_exists>("background_exists"),
       Builtin<&background_get_width>("background_get_width"),
       Builtin<&background_get_height>("background_get_height"),

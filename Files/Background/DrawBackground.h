@@ -31,6 +31,9 @@ int32_t background_get_width(int32_t background); // -1 for an unknown one
 int32_t background_get_height(int32_t background);
 std::string background_get_name(int32_t background);
 bool background_delete(int32_t background);
+// From a PNG file of the bundle or the save area; -1 after a report. `removeback` makes the colour of the
+// left bottom pixel transparent.
+int32_t background_add(std::string_view file, bool removeback, bool smooth);
 // Copies a rectangle of a surface, preloaded. The index is given even when the surface doesn't exist.
 int32_t background_create_from_surface(int32_t surface, int32_t x, int32_t y, int32_t width, int32_t height,
                                        bool removeback, bool smooth, bool preload = true);

@@ -91,11 +91,13 @@ constexpr Family kFamilies[] = {
      "draw_sprite/4 draw_sprite_ext/9 draw_sprite_part/8 draw_sprite_part_ext/12 draw_sprite_stretched/6 "
      "draw_sprite_stretched_ext/8 draw_sprite_tiled/4 draw_sprite_tiled_ext/8 draw_sprite_general/16 "
      "draw_sprite_pos/11 sprite_exists/1 sprite_get_width/1 sprite_get_height/1 sprite_get_xoffset/1 "
-     "sprite_get_yoffset/1 sprite_get_number/1"},
+     "sprite_get_yoffset/1 sprite_get_number/1 sprite_add/6 sprite_replace/7 "
+     "sprite_create_from_surface/9 sprite_add_from_surface/8 sprite_delete/1"},
     {"background",
      "draw_background/3 draw_background_ext/8 draw_background_part/7 draw_background_part_ext/11 "
      "draw_background_stretched/5 draw_background_stretched_ext/7 draw_background_tiled/3 "
-     "draw_background_tiled_ext/7 draw_background_general/15 background_exists/1 background_get_width/1 "
+     "draw_background_tiled_ext/7 draw_background_general/15 background_add/3 background_exists/1 "
+     "background_get_width/1 "
      "background_get_height/1 background_create_from_surface/* background_delete/1"},
     {"surface",
      "surface_create/2 surface_create_ext/3 surface_create_special/3 surface_exists/1 surface_free/1 "
@@ -193,8 +195,7 @@ struct Absence {
 constexpr Absence kAbsences[] = {
     {"no form of a saved game state is agreed on", "game_load/1"},
     {"only the 2-D mode exists", "d3d_start/0"},
-    {"pictures come from the container, sprites and fonts are not loaded from files",
-     "sprite_add/6 sprite_replace/7 sprite_create_from_surface/9 background_add/3 font_add/6"},
+    {"fonts are not loaded from files", "font_add/6"},
     {"collision kinds come from the container", "sprite_collision_mask/9"},
     {"rooms have no layers", "instance_create_layer/4"},
     {"rooms come from the container",

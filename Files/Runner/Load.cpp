@@ -91,15 +91,6 @@ void LoadAudioGroups() {
 }
 
 // From the origin to the farthest corner of the frame, pixels.
-int32_t BoundingRadius(const CSprite& sprite) {
-  double radius = 0;
-  for (const int32_t x : {0, sprite.width})
-    for (const int32_t y : {0, sprite.height})
-      radius =
-          std::max(radius, std::ceil(std::hypot(double(x) - sprite.originX, double(y) - sprite.originY)));
-  return static_cast<int32_t>(radius);
-}
-
 SpriteKind KindOf(const container::SpriteRecord& record) {
   return record.separateMasks == 1   ? SpriteKind::kPrecise
          : record.separateMasks == 2 ? SpriteKind::kRotatedRectangle
@@ -122,7 +113,7 @@ void LoadSprites() {
     sprite.bottom = record->bottom;
     sprite.originX = record->originX;
     sprite.originY = record->originY;
-    sprite.boundingRadius = BoundingRadius(sprite);
+    sprite.boundingRadius = Sprite_BoundingRadius(sprite);
     sprite.bboxMode = record->bboxMode;
     sprite.kind = KindOf(*record);
     sprite.transparent = record->transparent;

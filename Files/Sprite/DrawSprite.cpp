@@ -7,6 +7,7 @@
 #include "Files/Graphics/PageDraw.h"
 #include "Files/Graphics/Registration.h"
 #include "Files/Graphics/View.h"
+#include "Files/Sprite/RuntimeSprite.h"
 
 #include <algorithm>
 #include <cmath>
@@ -204,6 +205,7 @@ void Function_AddSprite() {
       Builtin<&sprite_get_name>("sprite_get_name"),
   };
   Function_Add(kBuiltins);
+  Function_AddRuntimeSprite();
 }
 
 } // namespace vesk

@@ -1,6 +1,10 @@
 #include "Files/Sprite/Sprite.h"
 
+#include "Files/Graphics/Texture.h"
 #include "Files/Sprite/DrawSprite.h"
+
+#include <algorithm>
+#include <cmath>
 
 namespace vesk {
 
@@ -10,7 +14,21 @@ SpriteState g_state;
 
 SpriteState& Sprites() { return g_state; }
 
-void Sprite_Reset() { Sprites() = {}; }
+void Sprite_Reset() {
+  for (const auto& sprite : Sprites().table)
+    for (size_t i = 0; sprite && i < sprite->ownedFrames.size(); ++i)
+      Texture_Free(sprite->ownedFrames[i]->texture);
+  Sprites() = {};
+}
+
+int32_t Sprite_BoundingRadius(const CSprite& sprite) {
+  double radius = 0;
+  for (const int32_t x : {0, sprite.width})
+    for (const int32_t y : {0, sprite.height})
+      radius =
+          std::max(radius, std::ceil(std::hypot(double(x) - sprite.originX, double(y) - sprite.originY)));
+  return static_cast<int32_t>(radius);
+}
 
 CSprite* Sprite_Find(int32_t index) {
   const auto& table = Sprites().table;

@@ -30,7 +30,8 @@ public:
   int32_t bboxMode = 0;
   SpriteKind kind = SpriteKind::kRectangle;
   bool transparent = false, smooth = false, preload = false;
-  std::vector<const PageEntry*> frames; // null for a hole
+  std::vector<const PageEntry*> frames;                // null for a hole
+  std::vector<std::unique_ptr<PageEntry>> ownedFrames; // of a sprite made at run time, with their textures
 
   int32_t FrameCount() const { return static_cast<int32_t>(frames.size()); }
   // The entry of a frame; any number wraps into the range. Null without frames.
@@ -52,6 +53,8 @@ struct SpriteState {
 SpriteState& Sprites();
 void Sprite_Reset();
 
+// From the origin to the farthest corner of the frame, rounded up.
+int32_t Sprite_BoundingRadius(const CSprite& sprite);
 CSprite* Sprite_Find(int32_t index);              // null for an index that names none
 int32_t Sprite_FindByName(std::string_view name); // -1 none
 

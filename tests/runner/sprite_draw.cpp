@@ -1,17 +1,24 @@
 // From sprites and backgrounds to quads: frames, crops, scales, parts, tiling, culling.
 #include "Files/Background/DrawBackground.h"
 #include "Files/Graphics/Draw.h"
+#include "Files/Graphics/PngImage.h"
 #include "Files/Graphics/Surface.h"
 #include "Files/Graphics/View.h"
 #include "Files/Object/Instance.h"
 #include "Files/Object/Object.h"
 #include "Files/Sprite/DrawSprite.h"
+#include "Files/Sprite/RuntimeSprite.h"
+#include "Files/Support/Support_Files.h"
+#include "Platform/Files.h"
 #include "tests/runner/code_Report.h"
 #include "tests/runner/graphics_Stage.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <string>
+#include <vector>
 
 namespace vesk::test {
 namespace {
@@ -179,6 +186,73 @@ TEST(BackgroundDraw, TilingCoversTheViewWithoutGaps) {
     quads += draw.count / 6;
   }
   EXPECT_EQ(quads, 386 * 218);
+}
+
+// From an image file of three frames, from a surface, replaced and deleted; bad files leave all as it was.
+TEST(RuntimeSprites, ComeFromFilesAndSurfaces) {
+  RecordingStage stage;
+  const std::string folder = Directory_Temporary() + "vesk-sprites/";
+  ASSERT_TRUE(Directory_Make(folder));
+  Files_Locations().bundle = folder;
+  PngImage image{12, 4, std::vector<uint8_t>(12 * 4 * 4, 255)};
+  const auto paint = [&](int x, int y, Rgba colour) {
+    std::copy(colour.begin(), colour.end(), image.pixels.begin() + (y * 12 + x) * 4);
+  };
+  for (int y = 0; y < 4; ++y)
+    for (int x = 0; x < 12; ++x) paint(x, y, {9, 9, 9, 255});
+  paint(1, 1, {255, 0, 0, 255});
+  paint(4 + 2, 2, {0, 255, 0, 255});
+  std::string bytes, why;
+  ASSERT_TRUE(Png_Encode(image, bytes, why) && File_WriteAll(folder + "strip.png", bytes));
+  ASSERT_TRUE(File_WriteAll(folder + "broken.png", bytes.substr(0, bytes.size() / 2)));
+
+  const int sprite = sprite_add("strip.png", 3, true, false, 1, 2);
+  ASSERT_GE(sprite, 0);
+  EXPECT_EQ(sprite_get_number(sprite), 3);
+  EXPECT_EQ(sprite_get_width(sprite), 4);
+  EXPECT_EQ(sprite_get_xoffset(sprite), 1);
+  const CSprite& made = *Sprite_Find(sprite);
+  EXPECT_EQ((Box{float(made.left), float(made.top), float(made.right), float(made.bottom)}),
+            (Box{1, 1, 2, 2}));
+  draw_sprite(nullptr, sprite, 4, 50, 60);
+  EXPECT_EQ(QuadBox(stage.Draws().at(0)), (Box{49, 58, 53, 62}));
+  const std::pair<const char*, const char*> bad[] = {{"none.png", "does not exist"},
+                                                     {"broken.png", "broken.png"}};
+  for (const auto& [file, words] : bad) {
+    const Report report = ReportOf([&] {
+      EXPECT_EQ(sprite_add(file, 1, false, false, 0, 0), -1);
+      EXPECT_FALSE(sprite_replace(sprite, file, 1, false, false, 0, 0));
+      EXPECT_EQ(background_add(file, false, false), -1);
+    });
+    EXPECT_TRUE(report.Says(words)) << report.text;
+    EXPECT_FALSE(report.fatal);
+  }
+  EXPECT_TRUE(
+      ReportOf([] { EXPECT_EQ(sprite_add("strip.png", 13, false, false, 0, 0), -1); }).Says("13 frames"));
+  EXPECT_EQ(sprite_get_number(sprite), 3);
+  EXPECT_TRUE(sprite_replace(sprite, "strip.png", 1, false, false, 0, 0));
+  EXPECT_EQ(sprite_get_width(sprite), 12);
+
+  const int surface = surface_create(16, 16);
+  const int copied = sprite_create_from_surface(surface, 0, 0, 8, 6, false, false, 4, 3);
+  sprite_add_from_surface(copied, surface, 0, 0, 16, 16, false, false);
+  EXPECT_EQ(sprite_get_number(copied), 2);
+  EXPECT_EQ(sprite_get_height(copied), 6);
+  draw_sprite(nullptr, copied, 1, 20, 20);
+  EXPECT_EQ(QuadBox(stage.Draws().at(0)), (Box{16, 17, 24, 23}));
+  const size_t textures = stage.device.textures.size();
+  EXPECT_TRUE(sprite_delete(copied));
+  EXPECT_EQ(stage.device.textures.size(), textures - 2);
+  EXPECT_FALSE(sprite_exists(copied));
+  EXPECT_TRUE(ReportOf([&] { sprite_delete(copied); }).Says("non-existing sprite"));
+  EXPECT_TRUE(ReportOf([] {
+                EXPECT_EQ(sprite_create_from_surface(77, 0, 0, 4, 4, false, false, 0, 0), -1);
+              }).Says("Trying to use non-existing surface."));
+
+  const int background = background_add("strip.png", false, true);
+  EXPECT_EQ(background_get_width(background), 12);
+  EXPECT_TRUE(background_delete(background));
+  Files_ResetLocations();
 }
 
 TEST(BackgroundDraw, MadeFromASurfaceAndDeleted) {
