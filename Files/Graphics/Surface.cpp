@@ -12,6 +12,7 @@
 #include "Files/Graphics/Registration.h"
 #include "Files/Graphics/Texture.h"
 #include "Files/Graphics/View.h"
+#include "Files/Support/Support_Files.h"
 #include "Platform/Files.h"
 
 #include <algorithm>
@@ -84,24 +85,6 @@ bool SurfaceSizeIsValid(int32_t width, int32_t height) {
 // What the surface draws go through; the built-ins differ in what they leave at its start value.
 void DrawPart(int32_t id, const PagePart& part, const PagePlace& place) {
   if (const SurfaceRecord* surface = FindToDraw(id)) Page_DrawPart(EntryOf(*surface), part, place);
-}
-
-// The format is the one there is: 32 bits a pixel.
-int32_t surface_create_special(int32_t width, int32_t height, int32_t) {
-  return surface_create(width, height);
-}
-int32_t surface_create_ext(std::string_view, int32_t width, int32_t height) {
-  return surface_create(width, height);
-}
-
-bool surface_save(int32_t id, const std::string& file) {
-  const SurfaceRecord* surface = FindToDraw(id);
-  if (!surface) return false;
-  PngImage image{surface->width, surface->height, ReadSurfaceRect(id, 0, 0, surface->width, surface->height)};
-  std::string bytes, why;
-  if (!image.pixels.empty() && Png_Encode(image, bytes, why) && File_WriteAll(file, bytes, &why)) return true;
-  ReportError("Surface could not be saved to %s: %s", file.c_str(), why.c_str());
-  return false;
 }
 
 } // namespace
@@ -197,6 +180,26 @@ int32_t surface_create(int32_t width, int32_t height) {
   if (texture < 0) return -1;
   g_surfaces.table[id] = {id, texture, width, height};
   return id;
+}
+
+int32_t surface_create_special(int32_t width, int32_t height, int32_t) {
+  return surface_create(width, height);
+}
+int32_t surface_create_ext(std::string_view, int32_t width, int32_t height) {
+  return surface_create(width, height);
+}
+
+bool surface_save(int32_t id, const std::string& file) {
+  const SurfaceRecord* surface = FindToDraw(id);
+  if (!surface) return false;
+  PngImage image{surface->width, surface->height, ReadSurfaceRect(id, 0, 0, surface->width, surface->height)};
+  const std::string path = Files_SavePath(file);
+  std::string bytes, why = path.empty() ? "it lies outside the save area" : "";
+  if (!path.empty() && !image.pixels.empty() && Png_Encode(image, bytes, why) &&
+      Directory_Make(Path_Folder(path), &why) && File_WriteAll(path, bytes, &why))
+    return true;
+  ReportError("Surface could not be saved to %s: %s", file.c_str(), why.c_str());
+  return false;
 }
 
 bool surface_exists(int32_t id) { return Find(id) != nullptr; }

@@ -2,6 +2,8 @@
 // Surfaces: textures that can be drawn into. Ids only grow. All are lost at a device reset, so that every use
 // asks surface_exists first.
 #include <cstdint>
+#include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -46,6 +48,10 @@ bool Surface_Resize(int32_t id, int32_t width, int32_t height); // contents lost
 std::vector<uint8_t> ReadSurfaceRect(int32_t id, int32_t x, int32_t y, int32_t width, int32_t height);
 
 int32_t surface_create(int32_t width, int32_t height); // -1 on failure
+// The format is the one there is: 32 bits a pixel.
+int32_t surface_create_special(int32_t width, int32_t height, int32_t format);
+int32_t surface_create_ext(std::string_view name, int32_t width, int32_t height);
+bool surface_save(int32_t id, const std::string& file); // as PNG, in the save area; false after a report
 bool surface_exists(int32_t id);
 void surface_free(int32_t id);
 int32_t surface_get_width(int32_t id);

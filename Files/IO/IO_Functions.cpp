@@ -146,7 +146,10 @@ void IO_SetKeyboardLastKey(int32_t key) {
   Input().pendingKeys.key = 0;
 }
 
-std::string IO_GetKeyboardLastChar() { return Text_ToUtf8(std::u16string_view(&Input().keys.lastChar, 1)); }
+std::string IO_GetKeyboardLastChar() {
+  const char16_t& last = Input().keys.lastChar;
+  return Text_ToUtf8(std::u16string_view(&last, last == 0 ? 0 : 1)); // none yet: no character
+}
 
 void IO_SetKeyboardLastChar(const RValue& value) {
   if (value.Kind() != kString || !value.string || value.string->length == 0) return;

@@ -64,6 +64,10 @@ void WindowProcedure(const Message& message) {
   case MessageKind::Wheel: IO_Wheel(message.delta); return;
   case MessageKind::Activate:
     IO_Clear();
+    if (!message.active && Input().heldButtons > 0) { // their releases go elsewhere
+      Input().heldButtons = 0;
+      Platform_Get().window->CaptureMouse(false);
+    }
     Loop().focused = message.active;
     return;
   case MessageKind::Resize: Graphics_WindowResized(); return;

@@ -169,7 +169,10 @@ TEST_F(Keyboard, LosingOrGainingTheFocusClearsEverything) {
     EXPECT_EQ(State('A'), "");
     EXPECT_FALSE(mouse_check_button(mb_any));
     EXPECT_EQ(IO_GetKeyboardString(), "");
+    EXPECT_EQ(IO_GetKeyboardLastChar(), "");
+    EXPECT_EQ(hand.window.captured, active) << "nobody may tell of the button's release";
     hand.messages.Key('A', false);
+    hand.messages.Button(mb_left, false);
     Frame();
     IO_Clear();
   }

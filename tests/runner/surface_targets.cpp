@@ -1,17 +1,23 @@
 // Surfaces: ids, the stack of targets, reading back, loss, and what shaders see.
+#include "Files/Base/Console.h"
 #include "Files/Graphics/Draw.h"
 #include "Files/Graphics/DrawScreen.h"
+#include "Files/Graphics/PngImage.h"
 #include "Files/Graphics/Shader.h"
 #include "Files/Graphics/Surface.h"
 #include "Files/Graphics/Texture.h"
 #include "Files/Graphics/View.h"
 #include "Files/Sprite/DrawSprite.h"
+#include "Files/Support/Support_Files.h"
+#include "Platform/Files.h"
 #include "tests/runner/code_Report.h"
 #include "tests/runner/graphics_Stage.h"
 
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <memory>
+#include <string>
 
 namespace vesk::test {
 namespace {
@@ -136,6 +142,53 @@ TEST(Surfaces, ReadingOutsideGivesZeros) {
   EXPECT_TRUE(ReadSurfaceRect(999, 0, 0, 1, 1).empty());
   EXPECT_TRUE(ReadSurfaceRect(surface, 0, 0, -1, 5).empty());
   EXPECT_EQ(surface_getpixel(surface, 0, 0), make_colour_rgb(50, 60, 70));
+}
+
+TEST(Surfaces, FormatsAreOneAndFurtherTargetsHaveNoPush) {
+  RecordingStage stage;
+  const int a = surface_create_special(4, 4, 2), b = surface_create_ext("b", 6, 4);
+  EXPECT_EQ(surface_get_width(b), 6);
+  EXPECT_TRUE(surface_set_target_ext(2, a));
+  EXPECT_EQ(Surfaces().currentTarget[2], a);
+  EXPECT_TRUE(Surfaces().stack.empty());
+  EXPECT_TRUE(surface_set_target_ext(2, -1)); // and back
+  EXPECT_EQ(Surfaces().currentTarget[2], -1);
+  EXPECT_FALSE(surface_set_target_ext(4, a));
+  EXPECT_FALSE(surface_set_target_ext(1, 999));
+}
+
+TEST(Surfaces, ADeviceWithOneTargetSaysSo) {
+  Stage stage(RenderDevice_MakeSoftware(8, 8), 8, 8);
+  const int only = surface_create(4, 4);
+  testing::internal::CaptureStdout();
+  Consoles().release = std::make_unique<TConsole>(TConsole::Stream::StandardOutput);
+  EXPECT_FALSE(surface_set_target_ext(1, only));
+  Console_Reset();
+  EXPECT_NE(testing::internal::GetCapturedStdout().find("one colour target"), std::string::npos);
+  EXPECT_EQ(Surfaces().currentTarget[1], -1);
+}
+
+TEST(Surfaces, ArePicturesInTheSaveArea) {
+  Stage stage(RenderDevice_MakeSoftware(16, 16), 16, 16);
+  const std::string folder = Directory_Temporary() + "vesk-surfaces/";
+  Files_Locations().saveArea = folder;
+  const int surface = surface_create(4, 3);
+  surface_set_target(surface);
+  draw_clear(make_colour_rgb(10, 20, 30));
+  surface_reset_target();
+  EXPECT_TRUE(surface_save(surface, "shots/one.png"));
+  std::string bytes, why;
+  PngImage image;
+  ASSERT_TRUE(File_ReadAll(folder + "shots/one.png", bytes));
+  ASSERT_TRUE(Png_Decode(reinterpret_cast<const uint8_t*>(bytes.data()), static_cast<uint32_t>(bytes.size()),
+                         image, why));
+  EXPECT_EQ(image.width, 4);
+  EXPECT_EQ(image.height, 3);
+  EXPECT_EQ(image.pixels[4], 10);
+  EXPECT_TRUE(ReportOf([&] {
+                EXPECT_FALSE(surface_save(surface, "/somewhere/else.png"));
+              }).Says("outside the save area"));
+  Files_ResetLocations();
 }
 
 TEST(Surfaces, AllAreLostWithTheDeviceAndTexturesStay) {
