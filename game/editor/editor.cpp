@@ -22,6 +22,7 @@ constexpr int kMinWidth = 24, kMinHeight = 14; // cells
 constexpr int kMarginX = 160, kMarginY = 120;  // pixels that the view may go beyond the section
 constexpr int kEdge = 8;                       // pixels on each side of the view's edge that scroll
 constexpr int kMaxLight = 128;
+constexpr int kWaveReach = 3;          // pixels that the water shader moves the picture at most
 enum Over { kMap, kToolbar, kWindow }; // what the mouse is over
 enum Repeat { kNoRepeat, kWaiting, kRepeating };
 
@@ -401,8 +402,11 @@ void WaterDrawEnd(Self self) {
     shader_set_uniform_f(self[var::time], self[var::move]);
     draw_enable_alphablend(false);
     draw_surface_part(application_surface(), 0, top, view_wview[0], view_hview[0] - top, 0, top);
-    draw_enable_alphablend(true);
     shader_reset();
+    // The waves would pull in what lies beyond the picture's right edge.
+    draw_surface_part(application_surface(), view_wview[0] - kWaveReach, top, kWaveReach, view_hview[0] - top,
+                      view_wview[0] - kWaveReach, top);
+    draw_enable_alphablend(true);
   } else {
     self[var::move] = 0;
   }

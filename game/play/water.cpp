@@ -1,5 +1,5 @@
-// obj_watershader: the water of a section. Its box is what one swims in; the picture below its top is drawn once
-// more through the shader.
+// obj_watershader: the water of a section. Its box is what one swims in; the picture below its top is drawn
+// once more through the shader.
 #include "game/Game.h"
 
 namespace vesk {
@@ -7,7 +7,8 @@ namespace vesk {
 namespace {
 
 constexpr int kViewWidth = 384, kViewHeight = 216; // pixels
-constexpr int kHiddenBelow = 48;                   // pixels under the room of a section that has only water blocks
+constexpr int kWaveReach = 3;                      // pixels that the shader moves the picture at most
+constexpr int kHiddenBelow = 48; // pixels under the room of a section that has only water blocks
 
 void Create(Self self) {
   self[image_speed] = 0.15;
@@ -27,8 +28,10 @@ void RoomStart(Self self) {
 }
 
 void Alarm_Move(Self self) {
-  if (self[target] > self[y]) self[y] += 1;
-  else if (self[target] < self[y]) self[y] -= 1;
+  if (self[target] > self[y])
+    self[y] += 1;
+  else if (self[target] < self[y])
+    self[y] -= 1;
   if (abs(self[target] - self[y]) < 1) {
     self[y] = self[target];
     self[moving] = 0;
@@ -43,7 +46,8 @@ void Draw(Self self) {
   for (int column = 0; column <= columns; ++column)
     draw_sprite(self, self[sprite_index], -1, static_cast<float>(16 * column), self[y] - 1);
   // One pixel of the sprite, stretched over all the water.
-  draw_sprite_part_ext(self, self[sprite_index], 0, 0, 14, 1, 1, 0, self[y] + 15, room_width, room_height, c_white, 1);
+  draw_sprite_part_ext(self, self[sprite_index], 0, 0, 14, 1, 1, 0, self[y] + 15, room_width, room_height,
+                       c_white, 1);
   draw_set_blend_mode(bm_normal);
 }
 
@@ -59,8 +63,11 @@ void DrawOverlay(Self self) {
     shader_set_uniform_f(self[var::time], self[var::move]);
     draw_enable_alphablend(false);
     draw_surface_part(application_surface(), 0, top, view_wview[0], view_hview[0] - top, 0, top);
-    draw_enable_alphablend(true);
     shader_reset();
+    // The waves would pull in what lies beyond the picture's right edge.
+    draw_surface_part(application_surface(), view_wview[0] - kWaveReach, top, kWaveReach, view_hview[0] - top,
+                      view_wview[0] - kWaveReach, top);
+    draw_enable_alphablend(true);
   }
   surface_reset_target();
 }
