@@ -281,7 +281,7 @@ bool Container_PreScan(const ContainerView& container, int32_t codeCount,
   if (!ReadOnce(container, codeCount)) return false;
   DebugConsole().Output("Get Header Information\n");
   for (const BuiltinGroup& group : builtins) {
-    DebugConsole().Output("%s\n", group.name);
+    DebugConsole().Output("%s", group.name);
     if (group.add) group.add();
   }
   DebugConsole().Output("Fini\n");

@@ -255,7 +255,8 @@ void Runner_Close() {
   Input().record.Close();
   Input().playback.Close();
   Profiler_Stop();
-  if (Error().fatalCount > 0) state.exitCode = EXIT_FAILURE;
+  // A game that another one went on with ends quietly, whatever happened in it.
+  if (Error().fatalCount > 0 && !state.launchedByRestart) state.exitCode = EXIT_FAILURE;
   ApplyRestart();
   Runner_Shutdown();
   state.container.clear();

@@ -33,6 +33,25 @@ void ExpectBox(CInstance& it, int32_t left, int32_t top, int32_t right, int32_t 
   EXPECT_EQ(box.bottom, bottom);
 }
 
+// Made while the original is on its way out, the copy is alive and dies its own death.
+TEST_F(InstanceStateTest, ACopyMadeInTheDestroyEventLives) {
+  const int32_t phoenix = game.Object("phoenix");
+  int deaths = 0;
+  game.On(phoenix, ev_destroy, 0, [&](Self self, Self) {
+    if (++deaths == 1) instance_copy(self, false);
+  });
+  const int32_t first = instance_create(3, 4, phoenix);
+  instance_destroy(first);
+  RemoveMarked();
+  ASSERT_EQ(instance_number(phoenix), 1);
+  const int32_t second = instance_find(phoenix, 0);
+  EXPECT_NE(second, first);
+  EXPECT_EQ(Instance_Find(second)->x, 3);
+  instance_destroy(second);
+  EXPECT_EQ(deaths, 2);
+  EXPECT_FALSE(instance_exists(second));
+}
+
 TEST_F(InstanceStateTest, BeginsAsItsObjectSays) {
   const int32_t special = game.Object(
       "special",

@@ -1,6 +1,7 @@
 #include "Files/IO/IO_Mouse.h"
 #include "Files/IO/IO.h"
 #include "Files/IO/IO_Functions.h"
+#include "Files/IO/VirtualKeys.h"
 #include "Files/Room/Room.h"
 #include "Files/Run/Timing.h"
 #include "Files/Runner/CommandLine.h"
@@ -146,6 +147,19 @@ TEST_F(Mouse, VirtualKeysActWhileTheyAreTouched) {
   EXPECT_FALSE(keyboard_check(vk_space));
   for (int more = 0; more < 128; ++more) EXPECT_EQ(virtual_key_add(0, 0, 1, 1, vk_up), more);
   EXPECT_EQ(virtual_key_add(0, 0, 1, 1, vk_up), -1);
+}
+
+// A room ends while a finger rests on a key: the next room sees it go down.
+TEST_F(Mouse, AKeyThatIsTouchedOverARoomChangeIsPressedAnew) {
+  virtual_key_add(10, 10, 20, 20, vk_space);
+  hand.messages.Mouse(15, 15);
+  hand.messages.Button(mb_left, true);
+  Frame();
+  Frame();
+  EXPECT_FALSE(keyboard_check_pressed(vk_space));
+  VirtualKeys_ForgetTouches();
+  Frame();
+  EXPECT_TRUE(keyboard_check_pressed(vk_space));
 }
 
 TEST(MouseInRoom, FollowsBarsViewsAndAngles) {

@@ -130,6 +130,11 @@ TEST_F(BuiltinVariableTable, HealthAndLivesRunTheirEventsOnTheWayDown) {
   EXPECT_EQ(Events(), "");
   score += 10;
   EXPECT_EQ(Number("score"), 10);
+  RValue caption;
+  Variable_GetValue(nullptr, BuiltinVariables_Find("caption_score"), kNoIndex, caption);
+  EXPECT_EQ(caption.Text(), "Score: '");
+  Variable_GetValue(nullptr, BuiltinVariables_Find("caption_health"), kNoIndex, caption);
+  EXPECT_EQ(caption.Text(), "Health: ");
 }
 
 TEST_F(BuiltinVariableTable, TheRoomAnswersForItsVariables) {

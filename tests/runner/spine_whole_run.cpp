@@ -212,7 +212,7 @@ TEST_F(WholeRun, TheStepsOfTheStartAreLoggedInTheirOrder) {
                            "Kelda Games Runner v1.0(999)[r32908]",
                            "Get Resolution\n",
                            "Get Header Information\n",
-                           "Math..\n",
+                           "Game..Math..Graphic..",
                            "Fini\n",
                            "SavePrePend = ",
                            "Create Window\n",
