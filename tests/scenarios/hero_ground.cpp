@@ -82,6 +82,27 @@ TEST(HeroOnTheGround, ControlsTakenAwayStopHimOnTheGroundAndInTheAir) {
   }
 }
 
+TEST(HeroOnTheGround, IsSlowToStartAndToStopOnSlipperyGround) {
+  Stage stage(kField);
+  stage.Settle();
+  const Self ice = make(0, 14 * 16 - 32, obj_slippery); // over the floor's top row
+  ice[image_xscale] = 90;
+  stage.Step(2);
+  EXPECT_EQ(stage.Real("obj_tovin", "isslip"), 1);
+  stage.Hold("R");
+  stage.Step(20);
+  EXPECT_NEAR(stage.Real("obj_tovin", "hspeed"), 20 * 0.04, 1e-5);
+  stage.Hold("L"); // no quicker turn either
+  stage.Step(5);
+  EXPECT_NEAR(stage.Real("obj_tovin", "hspeed"), 15 * 0.04, 1e-5);
+  stage.Hold("");
+  stage.Step(10);
+  EXPECT_NEAR(stage.Real("obj_tovin", "hspeed"), 15 * 0.04 - 10 * 0.025, 1e-5);
+  stage.Hold("D"); // ducking friction knows no ice
+  stage.Step(4);
+  EXPECT_NEAR(stage.Real("obj_tovin", "hspeed"), 15 * 0.04 - 11 * 0.025 - 3 * 0.05, 1e-5);
+}
+
 // ---- jumps ----
 
 // Held: gravity 0.1 until the rise has slowed to 1, then 0.3. Released after one frame: 0.3.

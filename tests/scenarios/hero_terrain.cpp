@@ -1,4 +1,5 @@
 // Walls, ceilings, tops, slopes, ladders and water, every frame against the model.
+#include "game/Game.h"
 #include "tests/scenarios/HeroModel.h"
 
 #include <gtest/gtest.h>
@@ -269,6 +270,54 @@ TEST(HeroSwims, NoClingClimbOrSecondJumpThere) {
     Duel duel(pool, settings, false);
     ASSERT_TRUE(duel.Play("R90 J1 R30 J1 L60 U60 UJ1 U30 UJ1 U8 UJ1 U8 UJ1 U8 UJ1 U8 UJ1 U80 D120"));
     ASSERT_TRUE(duel.Play("L200 UJ1 U5 UJ1 U5 UJ1 U5 UJ1 U5 UJ1 U5 UJ1 U5 UJ1 U5 UJ1 U40 D60"));
+  }
+}
+
+TEST(HeroSwims, OnlyTheSurfaceStopsTheFall) {
+  struct Row {
+    const char* name;
+    double left, top; // of water 16 by 16 cells, from the hero's place
+    double hspeed, vspeed;
+    bool stops;
+  };
+  for (const Row& row : {Row{"from above", -128, 34, 0, 3, true}, Row{"from the side", 6, -200, 2, 1, false},
+                         Row{"from below", -128, -256 + 4, 0, -3, false}}) {
+    SCOPED_TRACE(row.name);
+    Stage stage(Rows{"", "......S"});
+    const double atX = 300, atY = 100;
+    for (const auto& [name, value] :
+         {std::pair("x", atX), std::pair("y", atY), std::pair("hspeed", row.hspeed),
+          std::pair("vspeed", row.vspeed), std::pair("gravity", 0.3), std::pair("state", 2.0),
+          std::pair("statedelay", 5.0), std::pair("jumpnow", 2.0)})
+      stage.Set("obj_tovin", name, value);
+    const Self water = make(atX + row.left, atY + row.top, obj_swim);
+    water[image_xscale] = water[image_yscale] = 16;
+    double before = 0;
+    for (int frame = 0; frame < 8 && stage.Real("obj_tovin", "isswim") == 0; ++frame) {
+      before = stage.Real("obj_tovin", "vspeed");
+      stage.Step();
+    }
+    ASSERT_EQ(stage.Real("obj_tovin", "isswim"), 1);
+    // The gravity of the air is still on in this step.
+    EXPECT_NEAR(stage.Real("obj_tovin", "vspeed"), row.stops ? 0.3 : before + 0.3, 1e-4);
+    EXPECT_EQ(stage.Count("obj_smoke"), row.stops ? 1u : 0u);
+  }
+}
+
+TEST(HeroLands, AndForgetsHisChainOnTopsAndSlopes) {
+  for (const std::string ground : {"########", "========", "KKKKKKKK"}) {
+    SCOPED_TRACE(ground);
+    Duel duel({"", "", "..S.....", "", ground, kFloor}, {}, false);
+    duel.Game().Step(90);
+    duel.Resume();
+    ASSERT_TRUE(duel.Play("J3"));
+    for (const char* name : {"hitpoint", "walljump", "doublejump"}) duel.Game().Set("obj_tovin", name, 1);
+    duel.Resume();
+    int frames = 0;
+    for (; frames < 40 && duel.Hero().hitpoint == 1; ++frames) ASSERT_TRUE(duel.PlayFrame(""));
+    EXPECT_EQ(duel.Hero().hitpoint, 0);
+    EXPECT_EQ(duel.Hero().walljump + duel.Hero().doublejump, 0);
+    EXPECT_GT(frames, 3);
   }
 }
 
