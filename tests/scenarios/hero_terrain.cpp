@@ -52,19 +52,38 @@ TEST(HeroMeets, OneWayTopsFromAbove) {
 }
 
 TEST(HeroMeets, ATopOnlyWithHisFeetLessThanFivePixelsPastIt) {
-  for (int past = 0; past <= 8; ++past) {
-    Duel duel({"..............", "..............", "..S...........", "..............", "======", "", "", "",
-               "", "", kFloor});
-    const double top = duel.Hero().y;
-    // Feet that many pixels below the top's row, falling.
-    duel.Game().Set("obj_tovin", "y", top + 1 + past);
-    duel.Game().Set("obj_tovin", "vspeed", 0.5);
-    duel.Game().Set("obj_tovin", "gravity", 0.3);
+  for (const std::string top : {"======", "######"})
+    for (int past = 0; past <= 8; ++past) {
+      Duel duel({"..............", "..............", "..S...........", "..............", top, "", "", "", "",
+                 "", kFloor});
+      const double stand = duel.Hero().y;
+      // Feet that many pixels below the row on which he stands, falling.
+      duel.Game().Set("obj_tovin", "y", stand + 1 + past);
+      duel.Game().Set("obj_tovin", "vspeed", 0.5);
+      duel.Game().Set("obj_tovin", "gravity", 0.3);
+      duel.Resume();
+      ASSERT_TRUE(duel.Play(".1"));
+      EXPECT_EQ(duel.Hero().y == stand, past < 5) << top << past;
+      ASSERT_TRUE(duel.Play(".60"));
+      EXPECT_EQ(duel.Hero().y == stand, past < 5) << top << past;
+    }
+}
+
+TEST(HeroMeets, ACeilingWhileItStillCountsAsGround) {
+  // Thrown up by something else he keeps his ground state for the steps of grace; the ceiling doesn't push
+  // him then.
+  for (const char* keys : {"R30", ".1"}) {
+    Duel duel({"", kFloor, "", "..S", "", kFloor});
+    ASSERT_TRUE(duel.Play(keys));
+    duel.Game().Set("obj_tovin", "y", duel.Hero().y - 16);
+    duel.Game().Set("obj_tovin", "vspeed", -9); // deep into it
     duel.Resume();
-    ASSERT_TRUE(duel.Play(".1"));
-    EXPECT_EQ(duel.Hero().y == top, past < 5) << past;
+    duel.Take();
+    ASSERT_TRUE(duel.Play(".3"));
+    const auto seen = duel.Take();
+    EXPECT_FALSE(seen.state(2));
+    EXPECT_EQ(seen.heard("snd_bump"), 1);
     ASSERT_TRUE(duel.Play(".60"));
-    EXPECT_EQ(duel.Hero().y == top, past < 5) << past;
   }
 }
 
@@ -145,6 +164,24 @@ TEST(HeroOnSlopes, UpAndDownGentleAndSteep) {
     ASSERT_TRUE(duel.Play("R140"));
     EXPECT_LT(duel.Take().lowestY, floor - 40);
     ASSERT_TRUE(duel.Play("L60 .30 R40 RJ40 R30 L50 LJ20 L40 LJ60 .40 R20 .60 L90 R200 .60"));
+  }
+}
+
+TEST(HeroOnSlopes, ARisingHeroPassesThroughBeyondASpeed) {
+  for (int tenths = 0; tenths <= 12; ++tenths) {
+    Duel duel({"", "", ".......", "....K##", "S..K###", "..K####", kFloor});
+    const double x = 3.5 * 16, footing = (14 - 3) * 16 + 8; // the middle of a step of the slope
+    for (const auto& [name, value] :
+         {std::pair("x", x), std::pair("y", footing - 31 - 2.0), std::pair("state", 2.0),
+          std::pair("statedelay", 5.0), std::pair("gravity", 0.3), std::pair("jumpnow", 2.0),
+          std::pair("vspeed", -0.05 - tenths / 10.0)})
+      duel.Game().Set("obj_tovin", name, value);
+    duel.Resume();
+    const double from = duel.Hero().y;
+    ASSERT_TRUE(duel.Play(".1"));
+    const double lifted = from - duel.Hero().y + duel.Hero().vspeed;
+    EXPECT_EQ(lifted > 0.5, tenths < 8) << tenths; // -0.75 is lifted, -0.85 no more
+    ASSERT_TRUE(duel.Play(".60"));
   }
 }
 
