@@ -33,36 +33,42 @@ struct Listening {
   bool scoreOnly = false;
 };
 
+constexpr int kWide = 1700, kSmall = 180, kColumns = 8; // pixels, pictures a row
+
+void Print(const std::string& name, bool loops, const sound::Figures& f) {
+  std::printf(
+      "%-16s %6.3f s%s loudest %5.1f whole %5.1f peak %5.1f dB silence %.2f s ends %.4f %.4f seam %.2f bands",
+      name.c_str(), f.seconds, loops ? " loop" : "", f.loudest, f.loudness, f.peak, f.silence, f.firstSample,
+      f.lastSample, f.seamStep);
+  for (const double band : f.bands) std::printf(" %.0f", band);
+  std::printf("\n");
+}
+
 // Figures, and on demand samples and pictures, of all sounds whose names begin so.
 int Listen(const SoundStudio& studio, const Listening& wish) {
+  std::vector<std::string> names = studio.Names();
+  std::erase_if(names, [&](const std::string& name) { return !name.starts_with(wish.prefix); });
+  const bool one = names.size() == 1; // drawn large, a song with its notes
   std::vector<Picture> pictures;
-  bool songs = false;
-  for (const std::string& name : studio.Names()) {
-    if (name.compare(0, wish.prefix.size(), wish.prefix) != 0) continue;
-    const std::optional<sound::Song> song = studio.SongNamed(name);
-    if (song) {
-      songs = true;
+  for (const std::string& name : names) {
+    if (const std::optional<sound::Song> song = studio.SongNamed(name)) {
       const sound::Score score = sound::PlayOut(*song);
       std::printf("%s: %.2f s, %zu notes, %zu strokes\n", name.c_str(), score.beats * 60 / song->tempo,
                   score.notes.size(), score.hits.size());
       for (const std::string& place : sound::HarshPlaces(*song, score)) std::printf("  %s\n", place.c_str());
-      if (!wish.picture.empty()) pictures.push_back(sound::PianoRoll(*song, score, 1700));
+      if (one) pictures.push_back(sound::PianoRoll(*song, score, kWide));
       if (wish.scoreOnly) continue;
     }
     const sound::Track track = studio.Samples(name);
-    const sound::Figures f = sound::Measure(track);
-    std::printf("%-16s %6.3f s%s loudest %5.1f whole %5.1f peak %5.1f dB silence %.2f s ends %.4f %.4f seam "
-                "%.2f bands",
-                name.c_str(), f.seconds, studio.Loops(name) ? " loop" : "", f.loudest, f.loudness, f.peak,
-                f.silence, f.firstSample, f.lastSample, f.seamStep);
-    for (const double band : f.bands) std::printf(" %.0f", band);
-    std::printf("\n");
+    Print(name, studio.Loops(name), sound::Measure(track));
     if (!wish.wav.empty()) WriteWav(std::filesystem::path(wish.wav) / (name + ".wav"), track);
     if (!wish.picture.empty())
-      pictures.push_back(sound::Spectrogram(track, song ? 1700 : 180, song ? 300 : 130));
+      pictures.push_back(one ? sound::Spectrogram(track, kWide, 300)
+                             : sound::Spectrogram(track, kSmall, 130));
   }
+  if (names.empty()) throw std::runtime_error("no source makes a sound \"" + wish.prefix + "\"");
   if (!wish.picture.empty() && !pictures.empty())
-    WritePng(sound::Stack(pictures, songs ? 1 : 8), wish.picture);
+    WritePng(sound::Stack(pictures, one ? 1 : kColumns), wish.picture);
   return 0;
 }
 
