@@ -32,8 +32,8 @@ const Row* Find(const std::string& name) {
 class Hit {
 public:
   Hit(const Row& row, double tune, double dying, double tone, uint32_t seed)
-      : m_kind(row.kind), m_step(tune / kRate), m_tone(tone), m_random(seed),
-        m_body(dying / 3), m_half(dying / 5) {
+      : m_kind(row.kind), m_step(tune / kRate), m_tone(tone), m_random(seed), m_body(dying / 3),
+        m_half(dying / 5) {
     switch (m_kind) {
     case Kind::kick: m_first.Set(1800, 0.2); break;
     case Kind::snare: m_first.Set(tune * 11, 0.2), m_second.Set(tune * 5, 0); break;

@@ -36,9 +36,9 @@ void ReadHeading(pack::SourceLine& line, Effect& effect) {
     } else if (word.starts_with("level=")) {
       effect.level = value(0, -16);
     } else if (word.starts_with("reverb=")) {
-      effect.reverbSend = value(0, 0.1), effect.reverbSeconds = value(1, 0.6);
+      effect.reverbSend = value(0, 0.1), effect.reverbSeconds = std::clamp(value(1, 0.6), 0.05, 20.0);
     } else if (word.starts_with("echo=")) {
-      effect.echoSend = value(0, 0.2), effect.echoSeconds = std::max(0.001, value(1, 0.1)),
+      effect.echoSend = value(0, 0.2), effect.echoSeconds = std::clamp(value(1, 0.1), 0.001, 10.0),
       effect.echoFeedback = value(2, 0.3);
     } else {
       throw std::runtime_error("\"" + word + "\" is neither loop, level=, reverb= nor echo=");

@@ -46,7 +46,7 @@ std::vector<Course::Point> ReadPoints(const std::string& text, double (*value)(c
 Course ReadCourse(const std::string& text) {
   return Course(ReadPoints(text, [](const std::string& part) {
     const double value = Number(part);
-    if (!(value > 0)) throw std::runtime_error("\"" + part + "\" must be above 0");
+    if (!(value >= 1)) throw std::runtime_error("\"" + part + "\" is below 1 hertz");
     return value;
   }));
 }
@@ -151,6 +151,15 @@ void ApplyOther(Instrument& instrument, const std::string& key, const std::strin
   }
 }
 
+// Lengths that make sense; everything else would only take memory and time.
+void CheckSeconds(Instrument& instrument) {
+  for (const double seconds :
+       {instrument.attack, instrument.decay, instrument.release, instrument.dying, instrument.at,
+        instrument.length, instrument.steady, instrument.glide, instrument.vibratoDelay})
+    if (seconds < 0 || seconds > 60) throw std::runtime_error("a time lies between 0 and 60 seconds");
+  instrument.cutoffDecay = std::max(instrument.cutoffDecay, 1e-3);
+}
+
 } // namespace
 
 double Course::At(double seconds) const {
@@ -177,6 +186,7 @@ void Apply(Instrument& instrument, std::string_view setting) {
     throw std::runtime_error("too many numbers in \"" + std::string(setting) + "\"");
   for (size_t i = 0; i < parts.size(); ++i) instrument.*numbers->second[i] = Number(parts[i]);
   if (key == "glide") instrument.glide /= 1000; // written in milliseconds
+  CheckSeconds(instrument);
 }
 
 int NoteNumber(std::string_view text) {
@@ -195,6 +205,7 @@ double Number(std::string_view text) {
   const double value = std::strtod(copy.c_str(), &end);
   if (copy.empty() || *end != 0 || !std::isfinite(value))
     throw std::runtime_error("\"" + copy + "\" is no number");
+  if (std::fabs(value) > 100000) throw std::runtime_error("\"" + copy + "\" is too large");
   return value;
 }
 

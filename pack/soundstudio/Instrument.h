@@ -16,7 +16,7 @@ struct Oscillator {
   }
 };
 
-// "200>800@.1>400@.3": 200, gliding to 800 at 0.1 s, to 400 at 0.3 s. All values above 0.
+// "200>800@.1>400@.3": 200, gliding to 800 at 0.1 s, to 400 at 0.3 s. All values from 1 on.
 class Course {
 public:
   struct Point {
@@ -66,7 +66,7 @@ void Apply(Instrument& instrument, std::string_view setting);
 // "c#4" is 61; -1 when it is no note.
 int NoteNumber(std::string_view text);
 
-// Throws std::runtime_error when the text is no number.
+// Throws std::runtime_error when the text is no number or one beyond 100000.
 double Number(std::string_view text);
 
 std::vector<std::string> Split(std::string_view text, char separator);

@@ -40,25 +40,32 @@ private:
 
 double Level(double power) { return power > 1e-12 ? kOffset + 10 * std::log10(power) : kLowestLevel; }
 
-// Weighted power of consecutive windows of `hop` samples, the sum of both channels.
-std::vector<double> Powers(const Track& track, size_t hop) {
-  Weighting left, right;
-  std::vector<double> powers;
-  double sum = 0;
-  size_t count = 0;
-  for (size_t i = 0; i < track.Length(); ++i) {
-    const double a = left.Next(track.left[i]), b = right.Next(track.right[i]);
-    sum += a * a + b * b;
-    if (++count == hop) powers.push_back(sum / static_cast<double>(hop)), sum = 0, count = 0;
+// Adds the weighted power of consecutive windows of `hop` samples.
+void AddPowers(const std::vector<float>& side, size_t hop, std::vector<double>& powers) {
+  Weighting weighting;
+  powers.resize((side.size() + hop - 1) / hop);
+  for (size_t window = 0, i = 0; window < powers.size(); ++window) {
+    const size_t end = std::min(side.size(), i + hop), count = end - i;
+    double sum = 0;
+    for (; i < end; ++i) {
+      const double x = weighting.Next(side[i]);
+      sum += x * x;
+    }
+    powers[window] += sum / static_cast<double>(count);
   }
-  if (count > 0) powers.push_back(sum / static_cast<double>(hop));
+}
+
+std::vector<double> Powers(const Track& track, size_t hop) {
+  std::vector<double> powers;
+  AddPowers(track.left, hop, powers);
+  AddPowers(track.right, hop, powers);
   return powers;
 }
 
-} // namespace
+constexpr size_t kHop = 4410; // a tenth of a second
 
-double IntegratedLoudness(const Track& track) {
-  const std::vector<double> powers = Powers(track, static_cast<size_t>(kRate / 10));
+// Windows of 0.4 s; only those within 10 dB of the mean count.
+double Gated(const std::vector<double>& powers) {
   std::vector<double> windows;
   for (size_t i = 0; i + 4 <= powers.size(); ++i)
     windows.push_back((powers[i] + powers[i + 1] + powers[i + 2] + powers[i + 3]) / 4);
@@ -72,8 +79,19 @@ double IntegratedLoudness(const Track& track) {
   return Level(mean(Level(mean(-70)) - 10));
 }
 
+} // namespace
+
+double IntegratedLoudness(const Track& track) { return Gated(Powers(track, kHop)); }
+
+double PartLoudness(const Track& track, double pan) {
+  std::vector<double> powers;
+  AddPowers(pan > 0 ? track.right : track.left, kHop, powers);
+  const double share = std::cos((1 - std::min(1.0, std::fabs(pan))) * kPi / 4);
+  return Gated(powers) - 20 * std::log10(share);
+}
+
 double LoudestWindow(const Track& track, double seconds) {
-  const size_t hop = static_cast<size_t>(kRate * 0.005);
+  constexpr size_t hop = 220; // 5 ms
   const std::vector<double> powers = Powers(track, hop);
   const auto width =
       std::clamp<size_t>(static_cast<size_t>(seconds / 0.005 + 0.5), 1, std::max<size_t>(1, powers.size()));

@@ -7,6 +7,10 @@ namespace vesk::sound {
 // Of the whole track; windows of 0.4 s more than 10 dB below the rest don't count. Of both channels together.
 double IntegratedLoudness(const Track& track);
 
+// The same from the louder side alone, for a part whose place between the sides (-1 to 1) is known: half the
+// work.
+double PartLoudness(const Track& track, double pan);
+
 // Of the loudest window of that length, as if heard from one channel.
 double LoudestWindow(const Track& track, double seconds);
 

@@ -19,15 +19,15 @@ const std::array<double, kSineSteps + 1> kSineTable = MakeSineTable();
 } // namespace
 
 void Track::Scale(double gain) {
-  for (float& x : left) x = static_cast<float>(x * gain);
-  for (float& x : right) x = static_cast<float>(x * gain);
+  const auto factor = static_cast<float>(gain);
+  for (float& x : left) x *= factor;
+  for (float& x : right) x *= factor;
 }
 
 void Track::AddScaled(const Track& other, double gain) {
-  for (size_t i = 0; i < left.size(); ++i) {
-    left[i] = static_cast<float>(left[i] + other.left[i] * gain);
-    right[i] = static_cast<float>(right[i] + other.right[i] * gain);
-  }
+  const auto factor = static_cast<float>(gain);
+  for (size_t i = 0; i < left.size(); ++i) left[i] += other.left[i] * factor;
+  for (size_t i = 0; i < right.size(); ++i) right[i] += other.right[i] * factor;
 }
 
 uint32_t Hash(uint32_t value) {

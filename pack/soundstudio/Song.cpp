@@ -9,6 +9,7 @@ namespace vesk::sound {
 namespace {
 
 using Words = std::vector<std::string>;
+constexpr double kLongest = 300; // seconds
 
 Tone ReadTone(std::string text) {
   Tone tone;
@@ -145,7 +146,10 @@ public:
 
   void Finish() const {
     if (m_song.order.empty()) throw std::runtime_error("a song has an order");
-    for (const std::string& name : m_song.order) FindSection(name);
+    double beats = 0;
+    for (const std::string& name : m_song.order) beats += FindSection(name).bars * m_song.meter;
+    if (beats * 60 / m_song.tempo > kLongest)
+      throw std::runtime_error("a song is not longer than 300 seconds");
     for (const Section& section : m_song.sections) {
       const std::string where = "section " + section.name + ": ";
       if (section.chords.empty()) throw std::runtime_error(where + "no chords");
@@ -181,9 +185,10 @@ private:
     else if (word == "human")
       m_song.humanSeconds = At(rest, 0) / 1000, m_song.humanStrength = At(rest, 1);
     else if (word == "reverb")
-      m_song.reverbSeconds = std::max(0.1, At(rest, 0)), m_song.reverbDamping = At(rest, 1);
+      m_song.reverbSeconds = std::clamp(At(rest, 0), 0.1, 20.0), m_song.reverbDamping = At(rest, 1);
     else if (word == "echo")
-      m_song.echoBeats = At(rest, 0), m_song.echoFeedback = At(rest, 1), m_song.echoDamping = At(rest, 2);
+      m_song.echoBeats = std::clamp(At(rest, 0), 0.01, 16.0), m_song.echoFeedback = At(rest, 1),
+      m_song.echoDamping = At(rest, 2);
     else if (word == "key")
       m_song.key = ReadChord(rest.at(0)).root, m_song.scale = Scale(rest.size() > 1 ? rest[1] : "major");
     else

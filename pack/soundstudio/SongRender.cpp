@@ -12,7 +12,8 @@ namespace {
 
 constexpr double kCeiling = -1.5;  // decibels
 constexpr double kLeadLevel = -22; // loudness of a part with lev=0
-constexpr double kFadeOut = 0.3;   // seconds, of songs that end
+constexpr double kDriven = -12;  // loudness of a part before its overdrive, so that it means the same for all
+constexpr double kFadeOut = 0.3; // seconds, of songs that end
 
 // How far the kick pushes other parts down, 0 to 1, for every sample.
 std::vector<float> Ducking(const Song& song, const Score& score, double beatSeconds, size_t length) {
@@ -47,16 +48,16 @@ public:
       Track track(m_length);
       if (!PlayPart(static_cast<int>(i), track)) continue;
       if (instrument.drive > 0) {
-        track.Scale(Gain(-12 - IntegratedLoudness(track))); // so that the drive means the same for every part
+        track.Scale(Gain(kDriven - PartLoudness(track, instrument.pan)));
         Drive(track, instrument.drive);
       }
       Chorus(track, instrument.chorus);
-      const double loudness = IntegratedLoudness(track);
-      if (loudness > kLowestLevel) track.Scale(Gain(kLeadLevel + instrument.level - loudness));
+      const double loudness = PartLoudness(track, instrument.pan);
+      const double gain = loudness > kLowestLevel ? Gain(kLeadLevel + instrument.level - loudness) : 1;
       if (instrument.duck > 0) Duck(track, ducking, instrument.duck);
-      mix.AddScaled(track, 1);
-      if (instrument.reverb > 0) reverb.AddScaled(track, instrument.reverb);
-      if (instrument.echo > 0) echo.AddScaled(track, instrument.echo);
+      mix.AddScaled(track, gain);
+      if (instrument.reverb > 0) reverb.AddScaled(track, gain * instrument.reverb);
+      if (instrument.echo > 0) echo.AddScaled(track, gain * instrument.echo);
     }
     Track echoes(m_length);
     AddEcho(echo, echoes, m_song.echoBeats * m_beatSeconds, m_song.echoFeedback, m_song.echoDamping,

@@ -18,7 +18,7 @@ namespace {
 namespace fs = std::filesystem;
 
 // To be raised whenever the same source would give another sound.
-constexpr const char* kSynthesiserVersion = "1";
+constexpr const char* kSynthesiserVersion = "2";
 constexpr float kEffectQuality = 0.3f, kSongQuality = 0.15f;
 
 std::vector<fs::path> Files(const fs::path& folder, const std::string& extension) {

@@ -115,7 +115,8 @@ private:
   }
 
   void Fm(Block& out, int count, double dt, double t) {
-    const double index = m_oscillator.Value(1, 1) * std::exp(-t / m_oscillator.Value(2, 0.3)) *
+    const double index = m_oscillator.Value(1, 1) *
+                         std::exp(-t / std::max(1e-3, m_oscillator.Value(2, 0.3))) *
                          (0.4 + 0.6 * m_velocity) / (2 * kPi);
     const double step = dt * m_oscillator.Value(0, 1);
     for (int i = 0; i < count; ++i, Advance(dt)) {
@@ -126,7 +127,7 @@ private:
 
   // A damped string: a delay line, a one-zero damping and an all-pass for the rest of the period.
   void StartPluck(double hertz) {
-    const double period = std::max(8.0, kRate / hertz - Damping() - 0.2);
+    const double period = std::clamp(kRate / hertz - Damping() - 0.2, 8.0, kRate);
     const auto whole = static_cast<size_t>(period);
     const double rest = period - static_cast<double>(whole) + 0.2;
     m_line.assign(whole, 0);

@@ -103,7 +103,7 @@ TEST(SoundSource, WrongSourcesSayWhereAndWhy) {
       effect("sound snd_a 0.2\n  layer osc=sin hz=4 volume=3\n").find("a.fx:2: \"volume\" is no setting"),
       std::string::npos);
   EXPECT_NE(effect("sound snd_a 0.2\n  layer osc=sin\n").find("has hz="), std::string::npos);
-  EXPECT_NE(effect("sound snd_a 0.2\n  layer osc=sin hz=400>0@.1\n").find("must be above 0"),
+  EXPECT_NE(effect("sound snd_a 0.2\n  layer osc=sin hz=400>0@.1\n").find("below 1 hertz"),
             std::string::npos);
   EXPECT_NE(effect("sound snd_a 0.2\n  layer osc=sin hz=400>500@.2>600@.1\n").find("don't rise"),
             std::string::npos);
@@ -113,6 +113,8 @@ TEST(SoundSource, WrongSourcesSayWhereAndWhy) {
   EXPECT_NE(
       effect("sound snd_a 1\n layer osc=noise\nsound snd_a 1\n layer osc=noise\n").find("second source"),
       std::string::npos);
+  EXPECT_NE(effect("sound snd_a 1\n layer osc=noise adsr=-1\n").find("between 0 and 60"), std::string::npos);
+  EXPECT_NE(effect("sound snd_a 1\n layer osc=sin hz=1e300\n").find("too large"), std::string::npos);
   const auto song = [](const std::string& text) {
     Workshop shop;
     shop.Song(kBand + text);
@@ -136,6 +138,8 @@ TEST(SoundSource, WrongSourcesSayWhereAndWhy) {
       std::string::npos);
   EXPECT_NE(song("section A 1\nchords | C |\norder A B\n").find("no section \"B\""), std::string::npos);
   EXPECT_NE(song("section A 1\norder A\n").find("no chords"), std::string::npos);
+  EXPECT_NE(song("tempo 20\nsection A 64\nchords | C |\norder A A\n").find("not longer than"),
+            std::string::npos);
   EXPECT_NE(song("section A 1\nchords | C |\n").find("has an order"), std::string::npos);
 }
 
