@@ -1,6 +1,7 @@
 // From the logos to the list of levels, and what is refused there.
 #include "tests/scenarios/EditorDesk.h"
 
+#include "apps/container/EmbeddedContainer.h"
 #include "sim/Look.h"
 
 #include <gmock/gmock.h>
@@ -259,6 +260,49 @@ TEST(EditorMenu, SettingsSurviveARestart) {
     EXPECT_EQ(desk.Real(obj_persistent, "filter"), 4);
   }
   std::filesystem::remove_all(directory);
+}
+
+TEST(EditorMenu, TheFirstWindowIsTheLargestThatTheDisplayHolds) {
+  const struct {
+    Extent display;
+    double scale;
+  } cases[] = {{{1920, 1080}, 4}, {{1536, 864}, 4}, {{1366, 768}, 3}, {{1152, 647}, 2}, {{1024, 768}, 2}};
+  for (const auto& row : cases) {
+    SimulationSettings settings;
+    settings.container = {EmbeddedContainer(), EmbeddedContainerSize()};
+    Simulation simulation(settings);
+    simulation.Devices().window.desktop = row.display;
+    ASSERT_EQ(simulation.Start(), "");
+    simulation.Step(3);
+    const auto controller = InstancesOf(obj_persistent);
+    ASSERT_EQ(controller.size(), 1u);
+    EXPECT_EQ(ValueAsReal(ReadVariable(controller[0], {"filter", kNoIndex})), row.scale) << row.display.width;
+    EXPECT_EQ(simulation.Devices().window.Settings().size.width, 384 * static_cast<int>(row.scale));
+    EXPECT_EQ(simulation.Devices().window.Settings().size.height, 216 * static_cast<int>(row.scale));
+  }
+}
+
+// Fifteen steps to black over the last picture, in which all else sleeps, and fifteen back.
+TEST(EditorMenu, AChangeOfRoomsFades) {
+  EditorDesk desk;
+  desk.OpenMenu();
+  desk.ClickNotify("NEW");
+  desk.Type("Fade");
+  EXPECT_GE(desk.Real(obj_persistent, "done"), 1);
+  desk.ClickNotify("RANDOM");
+  for (int i = 0; i < 3 && desk.RoomNow() != rm_editor; ++i) desk.Step();
+  ASSERT_EQ(desk.RoomNow(), rm_editor);
+  int covered = 0, uncovered = 0;
+  for (; desk.Real(obj_persistent, "mode") == 1 && covered < 60; ++covered) {
+    desk.Step();
+    const bool asleep = covered > 0 && desk.Real(obj_persistent, "mode") == 1;
+    EXPECT_TRUE(!asleep || desk.Count(obj_editor) == 0u) << covered;
+  }
+  EXPECT_NEAR(covered, 15, 1);
+  EXPECT_EQ(desk.Count(obj_editor), 1u);
+  for (; desk.Real(obj_persistent, "done") < 1 && uncovered < 60; ++uncovered) desk.Step();
+  EXPECT_NEAR(uncovered, 15, 1);
+  EXPECT_EQ(desk.Real(obj_persistent, "back"), -1); // the picture is gone
 }
 
 TEST(EditorMenu, AltROfAnOpenLevelLeadsToTheTitle) {
