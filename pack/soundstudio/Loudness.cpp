@@ -91,8 +91,8 @@ double PartLoudness(const Track& track, double pan) {
 }
 
 double LoudestWindow(const Track& track, double seconds) {
-  constexpr size_t hop = 220; // 5 ms
-  const std::vector<double> powers = Powers(track, hop);
+  constexpr size_t kStep = 220; // 5 ms
+  const std::vector<double> powers = Powers(track, kStep);
   const auto width =
       std::clamp<size_t>(static_cast<size_t>(seconds / 0.005 + 0.5), 1, std::max<size_t>(1, powers.size()));
   double loudest = 0;
