@@ -38,6 +38,10 @@ struct Canvas {
         std::memcpy(&pixels[to], &piece.pixels[from], 3);
       }
   }
+  // The glow of the final picture, which makes up for the darkness: every channel doubled.
+  void Glow() {
+    for (uint8_t& channel : pixels) channel = static_cast<uint8_t>(std::min(255, channel * 2));
+  }
   std::string Write(const std::string& file) const {
     png_image image{};
     image.version = PNG_IMAGE_VERSION;
@@ -56,10 +60,8 @@ void ClearTheDesk(const RenderChoice& choice) {
     editor[visible] = 0;
     editor[flashlight] = 0;
   });
-  if (!choice.lights) { // the glow of the final picture makes up for the darkness, so it goes too
-    with(obj_lightmanager, [](Self light) { light[visible] = 0; });
-    with(obj_persistent, [](Self controller) { controller[activeshader] = -1; });
-  }
+  if (!choice.lights) with(obj_lightmanager, [](Self light) { light[visible] = 0; });
+  with(obj_persistent, [](Self controller) { controller[activeshader] = -1; }); // Canvas::Glow stands for it
   if (!choice.water) with(obj_watershader_editor, [](Self water) { instance_destroy(water); });
 }
 
@@ -111,6 +113,7 @@ std::string RenderSection(const RenderChoice& choice) {
       if (piece.pixels.empty()) return "nothing was drawn";
       canvas.Take(piece, left, top);
     }
+  if (choice.lights) canvas.Glow();
   if (choice.grid) DrawGrid(canvas);
   return canvas.Write(choice.output);
 }
