@@ -1,11 +1,13 @@
 // Whole pictures: drawn on the CPU and, where there is OpenGL, on it; both against pixels worked out here by
 // hand.
+#include "Files/Background/DrawBackground.h"
 #include "Files/Font/Font.h"
 #include "Files/Graphics/Draw.h"
 #include "Files/Graphics/DrawScreen.h"
 #include "Files/Graphics/PngImage.h"
 #include "Files/Graphics/Shader.h"
 #include "Files/Graphics/Surface.h"
+#include "Files/Graphics/Texture.h"
 #include "Files/Graphics/View.h"
 #include "Files/Sprite/DrawSprite.h"
 #include "Platform/Files.h"
@@ -276,6 +278,61 @@ TEST_P(Pictures, TheContainersShaderSourcesDoWhatTheyShould) {
   surface_reset_target();
   const std::vector<uint8_t> pixel = ReadSurfaceRect(surface, 3, 17, 1, 1);
   EXPECT_EQ(pixel[1], 255 - PagePixel(3, 17)[1]);
+}
+
+// Seven taps, worked out apart: the page is 512 wide, so that a step of the shader is one texel.
+TEST_P(Pictures, TheBlurIsTheGaussianOfItsTaps) {
+  if (!shaders_are_supported()) GTEST_SKIP() << "this device runs no shaders";
+  std::string vertex, blur;
+  ASSERT_TRUE(File_ReadAll("assets/shaders/default.vert", vertex));
+  ASSERT_TRUE(File_ReadAll("assets/shaders/sha_blur.frag", blur));
+  const auto red = [](int x) { return (x * 37 + x / 3 * 91) % 256; };
+  std::vector<uint8_t> pixels;
+  for (int y = 0; y < 4; ++y)
+    for (int x = 0; x < 512; ++x)
+      for (const int channel : {red(x), x % 7 == 0 ? 255 : 0, 255 - red(x), 255})
+        pixels.push_back(static_cast<uint8_t>(channel));
+  PageEntry entry = stage->Entry(100, 0, 80, 4);
+  entry.texture = static_cast<int16_t>(
+      Texture_CreateFromPixels(512, 4, pixels.data(), static_cast<uint32_t>(pixels.size())));
+  shader_set(Shader_Load("sha_blur", 1, vertex, blur, {}));
+  draw_sprite(nullptr, stage->Sprite(80, 4, {entry}), 0, 8, 10);
+  shader_reset();
+  const auto blurred = [&](int at, size_t channel) {
+    double x = 1 / (std::sqrt(2 * 3.14159265358979) * 2.0), y = std::exp(-0.5 / 4), sum = 0, weight = 0;
+    const double z = y * y;
+    const auto tap = [&](int texel) { return double(pixels[static_cast<size_t>(texel) * 4 + channel]); };
+    for (int pair = 0; pair <= 3; ++pair) {
+      if (pair > 0) {
+        x *= y;
+        y *= z;
+      }
+      sum += pair == 0 ? tap(at) * x : (tap(at - pair) + tap(at + pair)) * x;
+      weight += pair == 0 ? x : 2 * x;
+    }
+    return Round(sum / weight);
+  };
+  Canvas canvas;
+  canvas.Fill(8, 10, 88, 14, [&](int x, int, Rgba) {
+    return Rgba{blurred(100 + x, 0), blurred(100 + x, 1), blurred(100 + x, 2), 255};
+  });
+  Expect(canvas, 1);
+}
+
+TEST_P(Pictures, TiledBackgroundsRepeatInBothDirections) {
+  PageEntry entry = stage->Entry(2, 3, 10, 12);
+  entry.targetX = 3; // cropped: a frame of 16 by 16
+  entry.targetY = 2;
+  entry.boundingWidth = entry.boundingHeight = 16;
+  const int background = stage->Background(entry);
+  draw_clear(c_blue);
+  draw_background_tiled(background, -5, 7);
+  Canvas canvas;
+  canvas.Fill(0, 0, kWidth, kHeight, [](int x, int y, Rgba) {
+    const int u = (x + 5 + 160) % 16 - 3, v = (y - 7 + 160) % 16 - 2;
+    return u >= 0 && u < 10 && v >= 0 && v < 12 ? PagePixel(2 + u, 3 + v) : Rgba{0, 0, 255, 255};
+  });
+  Expect(canvas, 0);
 }
 
 TEST_P(Pictures, TextInTheBuiltInFontReadsAsWritten) {
