@@ -89,15 +89,16 @@ void Report(const std::string& ruled, bool fatal) {
 } // namespace
 
 void ShowError(const char* format, ...) {
-  if (state.capture) {
-    state.captured = true;
-    return;
-  }
   char text[kScriptMessage];
   va_list arguments;
   va_start(arguments, format);
   std::vsnprintf(text, sizeof text, format, arguments);
   va_end(arguments);
+  if (state.capture) {
+    state.captured = true;
+    state.capturedText = text;
+    return;
+  }
   ReportError(std::string_view(text), true);
 }
 

@@ -31,13 +31,14 @@ struct ErrorState {
   bool inError = false;  // a fatal report was made; the game is on its way out
   bool capture = false;  // script errors only set `captured`
   bool captured = false;
-  bool showBox = true;     // cleared by -noerrors and -headless
-  bool allFatal = false;   // option: every error counts as fatal
-  int32_t fatalCount = 0;  // reports that ended the game, for tests and tools
-  std::string lastReport;  // the whole text of the last report
-  std::string contextLine; // heads the body of a report outside events; empty: the running code's name
-  std::string gameName;    // title of plain boxes
-  bool restarted = false;  // this run was launched by a restart
+  std::string capturedText; // of the last error that was captured
+  bool showBox = true;      // cleared by -noerrors and -headless
+  bool allFatal = false;    // option: every error counts as fatal
+  int32_t fatalCount = 0;   // reports that ended the game, for tests and tools
+  std::string lastReport;   // the whole text of the last report
+  std::string contextLine;  // heads the body of a report outside events; empty: the running code's name
+  std::string gameName;     // title of plain boxes
+  bool restarted = false;   // this run was launched by a restart
   // Names the event being run, null or false when none runs. Set by the event dispatcher; survives a reset.
   bool (*runningEvent)(std::string& eventName, std::string& objectName, int& action) = nullptr;
 };

@@ -90,7 +90,7 @@ bool Code_Execute(CInstance* self, CInstance* other, const CCode* code, RValue& 
 
 bool Code_ExecuteReporting(CInstance* self, CInstance* other, const CCode* code, RValue& result) {
   if (Code_Execute(self, other, code, result)) return true;
-  ReportError(Error().last, false);
+  ReportError(Error().capturedText, false);
   Error().captured = false;
   return false;
 }
@@ -123,7 +123,8 @@ bool Script_Perform(int32_t index, CInstance* self, CInstance* other, int argc, 
   const ArgumentScope scope(values, argc);
   const bool capturedBefore = Error().captured;
   script->entry->script(self, other, result, argc, pointers);
-  if (Error().captured && !capturedBefore) Error().last = "In script " + script->name + ":\n" + Error().last;
+  if (Error().captured && !capturedBefore)
+    Error().capturedText = "In script " + script->name + ":\n" + Error().capturedText;
   return true;
 }
 

@@ -121,11 +121,17 @@ TEST_F(ScriptCalls, ACapturedErrorIsPrefixedWithTheScript) {
   RValue result;
   EXPECT_TRUE(Script_Perform(5, nullptr, nullptr, 0, result, nullptr));
   EXPECT_TRUE(Error().captured);
-  EXPECT_EQ(Error().last.rfind("In script fails:\n", 0), 0u) << Error().last;
+  const std::string& text = Error().capturedText;
+  EXPECT_TRUE(text.starts_with("In script fails:\n") && text.size() > 17) << text;
   const CCode code(4);
   EXPECT_FALSE(Code_Execute(nullptr, nullptr, &code, result));
   EXPECT_FALSE(Code_ExecuteMarking(nullptr, nullptr, &code, result));
   EXPECT_EQ(result.Text(), "ERROR");
+  EXPECT_FALSE(Error().occurred);
+  Error().showBox = false;
+  EXPECT_FALSE(Code_ExecuteReporting(nullptr, nullptr, &code, result));
+  EXPECT_NE(Error().lastReport.find(Error().capturedText), std::string::npos);
+  EXPECT_EQ(Error().fatalCount, 0);
 }
 
 TEST_F(ScriptCalls, AScriptWithoutFunctionStopsTheStart) {
