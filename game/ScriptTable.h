@@ -17,26 +17,24 @@ std::span<const ScriptEntry> ScriptTable();
 
 namespace detail {
 
-template <class T>
-T ScriptArgument(const RValue& value) {
-  if constexpr (std::is_same_v<T, std::string>) return ValueAsText(value);
-  else if constexpr (std::is_same_v<T, bool>) return ValueAsBool(value);
-  else return static_cast<T>(ValueAsReal(value));
+template <class T> T ScriptArgument(const RValue& value) {
+  if constexpr (std::is_same_v<T, std::string>)
+    return ValueAsText(value);
+  else if constexpr (std::is_same_v<T, bool>)
+    return ValueAsBool(value);
+  else
+    return static_cast<T>(ValueAsReal(value));
 }
 
-template <auto F>
-struct ScriptUnpack;
+template <auto F> struct ScriptUnpack;
 
 // A typed script takes its arguments, after a first Self for the caller where it needs one.
-template <class... P>
-inline constexpr bool takesSelf = false;
-template <class First, class... P>
-inline constexpr bool takesSelf<First, P...> = std::is_same_v<First, Self>;
+template <class... P> inline constexpr bool takesSelf = false;
+template <class First, class... P> inline constexpr bool takesSelf<First, P...> = std::is_same_v<First, Self>;
 
 template <class Result, class... P, Result (*F)(P...)>
 requires(!takesSelf<P...>) struct ScriptUnpack<F> {
-  template <size_t... I>
-  static Result Call(RValue** args, std::index_sequence<I...>) {
+  template <size_t... I> static Result Call(RValue** args, std::index_sequence<I...>) {
     return F(ScriptArgument<std::remove_cvref_t<P>>(*args[I])...);
   }
   static RValue& Run(CInstance*, CInstance*, RValue& result, int, RValue** args) {
@@ -49,10 +47,8 @@ requires(!takesSelf<P...>) struct ScriptUnpack<F> {
     return result;
   }
 };
-template <class Result, class... P, Result (*F)(Self, P...)>
-struct ScriptUnpack<F> {
-  template <size_t... I>
-  static Result Call(CInstance* self, RValue** args, std::index_sequence<I...>) {
+template <class Result, class... P, Result (*F)(Self, P...)> struct ScriptUnpack<F> {
+  template <size_t... I> static Result Call(CInstance* self, RValue** args, std::index_sequence<I...>) {
     return F(Self(self), ScriptArgument<std::remove_cvref_t<P>>(*args[I])...);
   }
   static RValue& Run(CInstance* self, CInstance*, RValue& result, int, RValue** args) {
@@ -68,8 +64,7 @@ struct ScriptUnpack<F> {
 
 } // namespace detail
 
-template <auto F>
-constexpr ScriptEntry Script(const char* name) {
+template <auto F> constexpr ScriptEntry Script(const char* name) {
   return {name, &detail::ScriptUnpack<F>::Run};
 }
 

@@ -32,8 +32,10 @@ Cell parse_cell(const std::string& key) {
   std::string parts[2];
   int part = 0;
   for (const char c : key) {
-    if (c == ',') part = 1;
-    else parts[part] += c;
+    if (c == ',')
+      part = 1;
+    else
+      parts[part] += c;
   }
   return {static_cast<int>(real(RValue(parts[0]))), static_cast<int>(real(RValue(parts[1])))};
 }

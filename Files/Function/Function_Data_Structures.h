@@ -33,9 +33,9 @@ void ds_map_replace_list(int32_t id, const RValue& key, int32_t child);
 void ds_map_delete(int32_t id, const RValue& key); // a nested structure lives on
 bool ds_map_exists(int32_t id, const RValue& key);
 RValue ds_map_find_value(int32_t id, const RValue& key); // undefined when it isn't there
-bool ds_map_owns_map(int32_t id, const RValue& key);     // a nested map, not a number that happens to be an id
+bool ds_map_owns_map(int32_t id, const RValue& key); // a nested map, not a number that happens to be an id
 bool ds_map_owns_list(int32_t id, const RValue& key);
-RValue ds_map_find_first(int32_t id);                    // keys in iteration order; undefined at the end
+RValue ds_map_find_first(int32_t id); // keys in iteration order; undefined at the end
 RValue ds_map_find_last(int32_t id);
 RValue ds_map_find_next(int32_t id, const RValue& key);
 RValue ds_map_find_previous(int32_t id, const RValue& key);

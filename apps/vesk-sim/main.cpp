@@ -24,8 +24,8 @@ void PrintStatistics(int64_t frames, double seconds) {
   rusage usage{};
   getrusage(RUSAGE_SELF, &usage);
   std::cerr << frames << " frames, " << seconds << " s, "
-            << static_cast<int64_t>(seconds > 0 ? static_cast<double>(frames) / seconds : 0) << " frames a second, "
-            << usage.ru_maxrss / 1024 << " MB\n";
+            << static_cast<int64_t>(seconds > 0 ? static_cast<double>(frames) / seconds : 0)
+            << " frames a second, " << usage.ru_maxrss / 1024 << " MB\n";
 }
 
 int Run(const Options& options) {
@@ -61,7 +61,8 @@ int main(int argc, char** argv) {
   CLI::App app("Plays Vesk Editor without a window, from a script of one command a line.", "vesk-sim");
   Options options;
   app.add_option("SCRIPT", options.script, "The script file; - for standard input")->required();
-  app.add_option("--dir", options.directory, "The game's directory, with Level/ and Settings.dat (default: a fresh one)")
+  app.add_option("--dir", options.directory,
+                 "The game's directory, with Level/ and Settings.dat (default: a fresh one)")
       ->type_name("DIR");
   app.add_option("--seed", options.seed, "What randomize seeds with (default 1)")->type_name("N");
   app.add_flag("--quiet", options.quiet, "No statistics at the end");

@@ -103,7 +103,8 @@ void Dress(Self it, const Look& look) {
     it[a_s].at(row, 4) = worn.alpha;
     ++row;
   }
-  if (look.light != -1 && it[object_index] == obj_editor_object) make(it[x], it[y], obj_editor_light)[light_color] = look.light;
+  if (look.light != -1 && it[object_index] == obj_editor_object)
+    make(it[x], it[y], obj_editor_light)[light_color] = look.light;
 }
 
 } // namespace
@@ -185,7 +186,8 @@ void scr_gen_modifier_editor(double instance, std::string value) {
   const ModifierRow* row = FindModifierCode(value);
   Dress(it, row ? row->look : kFreeText);
   for (const std::string_view prefix : {kTextPrefix, kDestinationPrefix})
-    if (value.starts_with(prefix)) it[cc_text] = string_make_width(value.substr(prefix.size()), kMessageWidth);
+    if (value.starts_with(prefix))
+      it[cc_text] = string_make_width(value.substr(prefix.size()), kMessageWidth);
   if (value.starts_with(kDestinationPrefix)) it[image_blend] = kDestinationBlue;
 }
 

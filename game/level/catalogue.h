@@ -1,6 +1,6 @@
 #pragma once
-// The things that codes in a level stand for: one table each for objects, markers and modifiers, read by the editor
-// and by play.
+// The things that codes in a level stand for: one table each for objects, markers and modifiers, read by the
+// editor and by play.
 #include "Files/Code/Self.h"
 #include "game/AssetNames.h"
 
@@ -24,11 +24,11 @@ constexpr Attached Letter(char letter, int dx, int dy) { return {spr_spritefont,
 struct Look {
   int sprite = -1;
   int frame = 0;
-  int dx = 0, dy = 0;  // pixels from the cell's corner
-  double speed = 0;    // frames a step
+  int dx = 0, dy = 0; // pixels from the cell's corner
+  double speed = 0;   // frames a step
   double alpha = 1;
   bool flipX = false, flipY = false;
-  int light = -1;      // colour of the light that it shows; -1 none
+  int light = -1; // colour of the light that it shows; -1 none
   std::initializer_list<Attached> attached = {};
 };
 
@@ -37,7 +37,7 @@ struct CatalogueRow {
   int object;         // made in play
   int dx = 0, dy = 0; // pixels from the cell's corner, in play
   Look look;
-  int character = 0;  // of a start point: what global.powerup becomes
+  int character = 0;                                    // of a start point: what global.powerup becomes
   int playSprite = -1, playFrame = -1, lampColour = -1; // set on the new instance; -1 leaves its own
 };
 

@@ -1,7 +1,8 @@
 #pragma once
 // What stands behind each cell of the tile atlas: one letter a cell, one line a row of the atlas.
 // A nothing, B solid, C solid from above, D climbable, E water, F slippery, G solid that hurts above itself,
-// H solid that hurts, I to L floor slopes right, left, steep right, steep left, M to P the same at the ceiling.
+// H solid that hurts, I to L floor slopes right, left, steep right, steep left, M to P the same at the
+// ceiling.
 #include <string_view>
 
 namespace vesk {

@@ -1,6 +1,6 @@
 #pragma once
-// The game's whole access to the file system: eight functions of the external file library, wrapped one for one.
-// Paths are UTF-8 and relative to the game's directory.
+// The game's whole access to the file system: eight functions of the external file library, wrapped one for
+// one. Paths are UTF-8 and relative to the game's directory.
 #include <string>
 
 namespace vesk {

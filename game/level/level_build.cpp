@@ -39,10 +39,11 @@ constexpr BackgroundLabel kBackgroundLabels[] = {
 };
 
 constexpr MusicLabel kMusicLabels[] = {
-    {"Sick", Sick},     {"Dubstep", Dubstep}, {"Cool", Cool},   {"Horror", snd_horror}, {"Techno", Techno},
-    {"Dark", Dark},     {"Drop", Drop},       {"Cave", Cave},   {"Edge", Edge},         {"Corrupt", Corrupt},
-    {"Dirty", Dirty},   {"Hardcore", Hardcore}, {"WubWub", WubWub}, {"Frost", Frost},   {"Airship", Airship},
-    {"Dramatic", Dramatic}, {"Fort", Fort},   {"Smithy", Smithy},
+    {"Sick", Sick},     {"Dubstep", Dubstep}, {"Cool", Cool},       {"Horror", snd_horror},
+    {"Techno", Techno}, {"Dark", Dark},       {"Drop", Drop},       {"Cave", Cave},
+    {"Edge", Edge},     {"Corrupt", Corrupt}, {"Dirty", Dirty},     {"Hardcore", Hardcore},
+    {"WubWub", WubWub}, {"Frost", Frost},     {"Airship", Airship}, {"Dramatic", Dramatic},
+    {"Fort", Fort},     {"Smithy", Smithy},
 };
 
 // The slopes' letters run in this order.
@@ -65,8 +66,10 @@ void merge_runs(int object, Run run, bool exact) {
                                          : instance_position(it[bbox_right] + 1, it[y], object);
       if (next == noone || (exact && !is_exactly(next, object))) break;
       const Self swallowed = first(next);
-      if (run == Run::kDown) it[image_yscale] += swallowed[image_yscale];
-      else it[image_xscale] += swallowed[image_xscale];
+      if (run == Run::kDown)
+        it[image_yscale] += swallowed[image_yscale];
+      else
+        it[image_xscale] += swallowed[image_xscale];
       instance_destroy(swallowed);
     }
   });
@@ -115,7 +118,8 @@ double scr_gen_background(std::string label) {
   const DebugFrame frame("scr_gen_background");
   for (const BackgroundLabel& row : kBackgroundLabels) {
     if (row.label != label) continue;
-    with(obj_lightmanager, [&](Self light) { light[ambientlight] = make_colour_rgb(row.red, row.green, row.blue); });
+    with(obj_lightmanager,
+         [&](Self light) { light[ambientlight] = make_colour_rgb(row.red, row.green, row.blue); });
     if (row.animated) make(0, 0, obj_bganimator);
     return row.background;
   }

@@ -12,7 +12,8 @@ void Create(Self self) {
 }
 
 bool solid_in_column(Self hero, double column) {
-  return collision_rectangle(hero, column, hero[bbox_top] + 2, column, hero[y] + 30, obj_solid, true, false) != noone;
+  return collision_rectangle(hero, column, hero[bbox_top] + 2, column, hero[y] + 30, obj_solid, true,
+                             false) != noone;
 }
 
 void kill(Self hero) {
@@ -40,17 +41,15 @@ void Step(Self self) {
     if (instance_exists(obj_deadtovin)) self[speed] = 0;
     return;
   }
-  if (self[follow_y] == 1) self[y] = hero[y];
-  else if (hero[y] < view_yview[0] - 48) hero[y] = view_yview[0] - 48;
+  if (self[follow_y] == 1)
+    self[y] = hero[y];
+  else if (hero[y] < view_yview[0] - 48)
+    hero[y] = view_yview[0] - 48;
   if (first(obj_levelmanager)[barrier] == 0) crush(hero);
 }
 
-template <int kDegrees>
-void Turn(Self self) {
-  self[direction] = kDegrees;
-}
-template <int kDegrees>
-void TurnUnlessFollowing(Self self) {
+template <int kDegrees> void Turn(Self self) { self[direction] = kDegrees; }
+template <int kDegrees> void TurnUnlessFollowing(Self self) {
   if (self[follow_y] != 1) self[direction] = kDegrees;
 }
 void Halt(Self self) { self[speed] = 0; }

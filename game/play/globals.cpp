@@ -8,9 +8,12 @@ namespace vesk {
 void scr_init_globals() {
   const DebugFrame frame("scr_init_globals");
   for (const Slot tree : {leveldata, level_list}) // a restart from inside a level frees what it holds
-    if (!global[tree].value().IsUnset() && ds_exists(global[tree], tree.number == leveldata.number ? ds_type_map : ds_type_list)) {
-      if (tree.number == leveldata.number) ds_map_destroy(global[tree]);
-      else ds_list_destroy(global[tree]);
+    if (!global[tree].value().IsUnset() &&
+        ds_exists(global[tree], tree.number == leveldata.number ? ds_type_map : ds_type_list)) {
+      if (tree.number == leveldata.number)
+        ds_map_destroy(global[tree]);
+      else
+        ds_list_destroy(global[tree]);
     }
 
   global[coins] = 0;

@@ -20,11 +20,11 @@ constexpr int kJumpKey = 16, kActionKey = 17;
 
 constexpr bool kPrecise = true, kBoxOnly = false;
 
-constexpr double kRunSpeed = 2.8;  // above it: the long jump, the P-meter
-constexpr double kTopSpeed = 3;    // where the keys stop accelerating
-constexpr double kStepDrag = 0.06; // acceleration of the keys
+constexpr double kRunSpeed = 2.8;   // above it: the long jump, the P-meter
+constexpr double kTopSpeed = 3;     // where the keys stop accelerating
+constexpr double kStepDrag = 0.06;  // acceleration of the keys
 constexpr double kTurnDrag = 0.075; // more of it against the motion
-constexpr int kLedgeGrace = 4;     // steps off a ledge that still count as ground
+constexpr int kLedgeGrace = 4;      // steps off a ledge that still count as ground
 constexpr int kSkidSmokeSteps = 8;
 
 bool key_down(int key) { return keyboard_check(key); }
@@ -37,8 +37,8 @@ bool jumps_twice(int character) { return character == 5 || character == 6; }
 // ---- probes ----
 
 int touching(Self self, double left, double top, double right, double bottom, int object, bool precise) {
-  return collision_rectangle(self, static_cast<float>(left), static_cast<float>(top), static_cast<float>(right),
-                             static_cast<float>(bottom), object, precise, false);
+  return collision_rectangle(self, static_cast<float>(left), static_cast<float>(top),
+                             static_cast<float>(right), static_cast<float>(bottom), object, precise, false);
 }
 bool touches(Self self, double left, double top, double right, double bottom, int object, bool precise) {
   return touching(self, left, top, right, bottom, object, precise) != noone;
@@ -47,8 +47,8 @@ bool slope_between(Self self, double top, double bottom) {
   return touches(self, self[bbox_left], top, self[bbox_right], bottom, obj_slopeparent, kPrecise);
 }
 bool under_feet(Self self, int object, bool precise) {
-  return touches(self, self[bbox_left], self[bbox_bottom] + 1, self[bbox_right], self[bbox_bottom] + 1, object,
-                 precise);
+  return touches(self, self[bbox_left], self[bbox_bottom] + 1, self[bbox_right], self[bbox_bottom] + 1,
+                 object, precise);
 }
 bool feet_probe(Self self) {
   return under_feet(self, obj_solidtop, kBoxOnly) || under_feet(self, obj_slopeparent, kPrecise);
@@ -68,8 +68,10 @@ bool ceiling_at(Self self, double row) {
 // ---- helpers of more than one event ----
 
 void apply_friction(Self self, double amount) {
-  if (self[hspeed] > 0) self[hspeed] -= amount;
-  else if (self[hspeed] < 0) self[hspeed] += amount;
+  if (self[hspeed] > 0)
+    self[hspeed] -= amount;
+  else if (self[hspeed] < 0)
+    self[hspeed] += amount;
   if (abs(self[hspeed]) < amount) self[hspeed] = 0;
 }
 
@@ -142,7 +144,8 @@ void land_on_tops(Self self) {
   const Self top = first(touching(self, self[bbox_left], self[bbox_bottom], self[bbox_right],
                                   self[bbox_bottom] + self[vspeed], obj_solidtop, kBoxOnly));
   if (!top || !(self[bbox_bottom] < top[yprevious] + 5)) return;
-  if (touches(self, self[bbox_left], self[bbox_top] + 4, self[bbox_right], top[y] - 1, obj_solid, kPrecise)) return;
+  if (touches(self, self[bbox_left], self[bbox_top] + 4, self[bbox_right], top[y] - 1, obj_solid, kPrecise))
+    return;
   self[y] = top[y] - 32;
   land(self);
 }
@@ -164,10 +167,14 @@ void stand_on_slope(Self self) {
 }
 
 void move_by_state(Self self) {
-  if (self[isswim] != 0) event_user(self, 3);
-  else if (self[state] == kClimbing) event_user(self, 4);
-  else if (self[state] == kClinging) event_user(self, 5);
-  else event_user(self, 2);
+  if (self[isswim] != 0)
+    event_user(self, 3);
+  else if (self[state] == kClimbing)
+    event_user(self, 4);
+  else if (self[state] == kClinging)
+    event_user(self, 5);
+  else
+    event_user(self, 2);
 }
 
 bool centre_is_free(Self self) {
@@ -203,7 +210,7 @@ void duck(Self self) {
     if (key_down(kDown) && self[holding] == 0) {
       self[isduck] = 1;
     } else if (!key_down(kDown) && !touches(self, self[bbox_left], self[bbox_top] - 16, self[bbox_right],
-                                        self[bbox_top], obj_solid, kPrecise)) {
+                                            self[bbox_top], obj_solid, kPrecise)) {
       self[isduck] = 0;
     }
   }
@@ -286,8 +293,10 @@ void accelerate(Self self, int side) {
 
 void slow_down(Self self) {
   if (self[state] == kInAir && self[disablecontrols] != 1) return; // no friction in the air
-  if (self[disablecontrols] == 1) apply_friction(self, 0.135);
-  else apply_friction(self, self[isslip] == 0 ? 0.05 : 0.025);
+  if (self[disablecontrols] == 1)
+    apply_friction(self, 0.135);
+  else
+    apply_friction(self, self[isslip] == 0 ? 0.05 : 0.025);
 }
 
 void run(Self self) {
@@ -295,9 +304,12 @@ void run(Self self) {
     apply_friction(self, 0.05);
     return;
   }
-  if (only_key(kRight, kLeft) && has_controls(self)) accelerate(self, 1);
-  else if (only_key(kLeft, kRight) && has_controls(self)) accelerate(self, -1);
-  else slow_down(self);
+  if (only_key(kRight, kLeft) && has_controls(self))
+    accelerate(self, 1);
+  else if (only_key(kLeft, kRight) && has_controls(self))
+    accelerate(self, -1);
+  else
+    slow_down(self);
   if (self[state] != kInAir && abs(self[hspeed]) > kTopSpeed) apply_friction(self, 0.025);
 }
 
@@ -314,7 +326,9 @@ void fall(Self self) {
 
 void grab_climbable(Self self) {
   const bool wants = key_down(kUp) || (key_down(kDown) && self[state] == kInAir);
-  if (!wants || self[holding] != 0 || !has_controls(self) || !place_meeting(self, self[x], self[y], obj_climb)) return;
+  if (!wants || self[holding] != 0 || !has_controls(self) ||
+      !place_meeting(self, self[x], self[y], obj_climb))
+    return;
   self[state] = kClimbing;
   self[gravity] = 0;
   self[speed] = 0;
@@ -363,8 +377,10 @@ void MoveOnLand(Self self) {
   fall(self);
   grab_climbable(self);
   start_slide(self);
-  if (global[velmo] == 2) self[stompstyle] = 1;
-  else if (self[stompstyle] == 1) self[stompstyle] = 0;
+  if (global[velmo] == 2)
+    self[stompstyle] = 1;
+  else if (self[stompstyle] == 1)
+    self[stompstyle] = 0;
   jump_again(self);
   cling_to_wall(self);
 }
@@ -400,9 +416,12 @@ void MoveInWater(Self self) {
   stroke(self);
 
   const bool may_paddle = has_controls(self) && (self[isduck] == 0 || self[state] == kInAir);
-  if (only_key(kRight, kLeft) && may_paddle) paddle(self, 1);
-  else if (only_key(kLeft, kRight) && may_paddle) paddle(self, -1);
-  else apply_friction(self, 0.05);
+  if (only_key(kRight, kLeft) && may_paddle)
+    paddle(self, 1);
+  else if (only_key(kLeft, kRight) && may_paddle)
+    paddle(self, -1);
+  else
+    apply_friction(self, 0.05);
 
   const double limit = self[state] == kInAir ? 1.5 : 0.5;
   if (self[hspeed] > limit) self[hspeed] = limit;
@@ -505,8 +524,10 @@ void show_empty_handed(Self self) {
     self[sprite_index] = scr_tovinwalk();
   } else if (self[state] == kWalking) {
     self[image_speed] = abs(self[hspeed]) / 10;
-    if (slides_backwards(self)) show_skid(self);
-    else self[sprite_index] = meter_full() ? scr_tovinrun() : scr_tovinwalk();
+    if (slides_backwards(self))
+      show_skid(self);
+    else
+      self[sprite_index] = meter_full() ? scr_tovinrun() : scr_tovinwalk();
   } else if (self[state] == kInAir && self[isswim] != 0) {
     self[sprite_index] = scr_tovinswim();
     self[image_speed] = 0;
@@ -530,8 +551,10 @@ void show_carrying(Self self) {
 
 void show_upright(Self self) {
   self[mask_index] = spr_bigmask;
-  if (self[holding] == 0) show_empty_handed(self);
-  else show_carrying(self);
+  if (self[holding] == 0)
+    show_empty_handed(self);
+  else
+    show_carrying(self);
   if (self[state] == kClimbing) {
     self[image_speed] = self[speed] != 0 ? 0.15 : 0;
     self[sprite_index] = scr_tovinclimb();
@@ -556,8 +579,8 @@ void EndStep(Self self) {
 
 void Draw(Self self) {
   if (self[isflashing] == 1) shader_set(sha_invert);
-  draw_sprite_ext(self, self[sprite_index], self[image_index], round(self[x]), self[y], self[direct], 1, 0, c_white,
-                  self[image_alpha]);
+  draw_sprite_ext(self, self[sprite_index], self[image_index], round(self[x]), self[y], self[direct], 1, 0,
+                  c_white, self[image_alpha]);
   if (self[isflashing] == 1) shader_reset();
 }
 

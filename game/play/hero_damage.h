@@ -1,5 +1,6 @@
 #pragma once
-// What a hit does to the hero: the events of obj_tovin that the rest of the game reaches through user event 0.
+// What a hit does to the hero: the events of obj_tovin that the rest of the game reaches through user event
+// 0.
 #include "Files/Code/Self.h"
 
 namespace vesk {

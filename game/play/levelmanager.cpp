@@ -1,5 +1,5 @@
-// obj_levelmanager: builds the section at room start; camera, sleep of far things, music, blue switch, HUD while it
-// runs. The P-meter stands in pmeter.cpp.
+// obj_levelmanager: builds the section at room start; camera, sleep of far things, music, blue switch, HUD
+// while it runs. The P-meter stands in pmeter.cpp.
 #include "game/play/levelmanager.h"
 
 #include "Files/Font/Font.h"
@@ -56,8 +56,7 @@ struct Section {
   int map;
   double number(const char* key) const { return ValueAsReal(ds_map_find_value(map, key)); }
   std::string text(const char* key) const { return ValueAsText(ds_map_find_value(map, key)); }
-  template <class Visit>
-  void for_each(const char* layer, Visit visit) const {
+  template <class Visit> void for_each(const char* layer, Visit visit) const {
     const int cells = ValueAsInt32(ds_map_find_value(map, layer));
     for (RValue key = ds_map_find_first(cells); !key.IsUndefined(); key = ds_map_find_next(cells, key))
       visit(ValueAsText(key), ValueAsText(ds_map_find_value(cells, key)));
@@ -88,10 +87,12 @@ void set_scene(Self self, const Section& it) {
 }
 
 void build_terrain(const Section& it) {
-  it.for_each("TILES", [](const std::string& key, const std::string& value) { scr_gen_tile(key, value, kTileDepth); });
+  it.for_each("TILES",
+              [](const std::string& key, const std::string& value) { scr_gen_tile(key, value, kTileDepth); });
   merge_terrain();
-  it.for_each("TILES_BG",
-              [](const std::string& key, const std::string& value) { scr_gen_tile(key, value, kTileDepthBehind); });
+  it.for_each("TILES_BG", [](const std::string& key, const std::string& value) {
+    scr_gen_tile(key, value, kTileDepthBehind);
+  });
 }
 
 // Markers and modifiers find the objects at their cells, so they come last.
@@ -106,8 +107,10 @@ void build_water(const Section& it) {
   if (it.number("WATER_LEVEL") > 0 || instance_exists(obj_waterlevelblock)) {
     const Self water = make(0, room_height - it.number("WATER_LEVEL") * kCellSize, obj_watershader);
     const std::string colour = it.text("WATER_COLOR");
-    if (colour == "Red") water[sprite_index] = spr_watertop_r;
-    else if (colour == "Green") water[sprite_index] = spr_watertop_g;
+    if (colour == "Red")
+      water[sprite_index] = spr_watertop_r;
+    else if (colour == "Green")
+      water[sprite_index] = spr_watertop_g;
   }
   if (global[waterlevelprev] != -1)
     with(obj_watershader, [](Self water) {
@@ -243,8 +246,7 @@ void lead_camera(Self self) {
 void scroll_background() {
   background_x[0] = view_xview[0] / 2;
   if (background_height[0] < room_height && background_height[0] > view_hview[0])
-    background_y[0] =
-        view_yview[0] * (room_height - background_height[0]) / (room_height - view_hview[0]);
+    background_y[0] = view_yview[0] * (room_height - background_height[0]) / (room_height - view_hview[0]);
 }
 
 void sleep_far_things() {
@@ -263,8 +265,10 @@ void hold_at(Self hero, double edge, int side) {
 void keep_hero_in_view(Self self) {
   const Self hero = first(obj_tovin);
   if (self[barrier] != 0 || !hero) return;
-  if (hero[x] < view_xview[0] + 5) hold_at(hero, view_xview[0] + 5, -1);
-  else if (hero[x] > view_xview[0] + view_wview[0] - 5) hold_at(hero, view_xview[0] + view_wview[0] - 5, 1);
+  if (hero[x] < view_xview[0] + 5)
+    hold_at(hero, view_xview[0] + 5, -1);
+  else if (hero[x] > view_xview[0] + view_wview[0] - 5)
+    hold_at(hero, view_xview[0] + view_wview[0] - 5, 1);
 }
 
 void mind_heartbeat(Self self) {

@@ -10,8 +10,8 @@ namespace vesk {
 namespace {
 
 constexpr std::string_view kAfterDeath[] = {
-    "Better luck next time!", "You can do it!", "Whoops...", "That looked painful!", "Ouch!",  "Dang it!",
-    "What the heck?",         "Was that a glitch?", "Git gud.", "What happened?",    "Oops.",
+    "Better luck next time!", "You can do it!",     "Whoops...", "That looked painful!", "Ouch!", "Dang it!",
+    "What the heck?",         "Was that a glitch?", "Git gud.",  "What happened?",       "Oops.",
 };
 // Whistling in the dark, for sections with the horror music.
 constexpr std::string_view kAfterHorror[] = {
@@ -19,8 +19,7 @@ constexpr std::string_view kAfterHorror[] = {
     "One more time!",    "Ha! Missed me!",    "Lights on, here I go!",
 };
 
-template <size_t N>
-std::string any_of(const std::string_view (&phrases)[N]) {
+template <size_t N> std::string any_of(const std::string_view (&phrases)[N]) {
   return std::string(phrases[static_cast<size_t>(irandom(static_cast<int>(N) - 1))]);
 }
 
@@ -100,11 +99,8 @@ void DeadAlarm_Restart(Self) {
 } // namespace
 
 const EventTable obj_tovinstart_events = {
-    {ev_create, 0, StartCreate},
-    {ev_alarm, 0, StartAlarm_Show},
-    {ev_alarm, 1, StartAlarm_Go},
-    {ev_draw, ev_draw_normal, StartDraw},
-    {ev_draw, ev_gui, StartDrawGui},
+    {ev_create, 0, StartCreate},          {ev_alarm, 0, StartAlarm_Show},  {ev_alarm, 1, StartAlarm_Go},
+    {ev_draw, ev_draw_normal, StartDraw}, {ev_draw, ev_gui, StartDrawGui},
 };
 
 const EventTable obj_deadtovin_events = {

@@ -225,7 +225,8 @@ void DrawGui(Self self) {
   draw_set_font(global[font]);
   if (!(self[message] == "")) draw_backed_text(2, 2, self[message].text(), c_white);
   if (self[showfps] > 0.5)
-    draw_backed_text(2, 206, "FPS: " + string(RValue(fps.Get())) + " Max FPS: " + string(RValue(fps_real.Get())), c_white);
+    draw_backed_text(
+        2, 206, "FPS: " + string(RValue(fps.Get())) + " Max FPS: " + string(RValue(fps_real.Get())), c_white);
 }
 
 void DrawOverlay(Self) {

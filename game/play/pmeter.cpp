@@ -46,8 +46,10 @@ void Alarm_SampleMeter(Self manager) {
 void Alarm_CheckFullMeter(Self manager) {
   if (!(manager[pmeter] > 5)) return;
   const Self hero = first(obj_tovin);
-  if (hero && runs(hero) && grounded(hero)) manager[alarm][8] = 100;
-  else empty_by_one(manager);
+  if (hero && runs(hero) && grounded(hero))
+    manager[alarm][8] = 100;
+  else
+    empty_by_one(manager);
 }
 
 // A hero in the air keeps a full meter.

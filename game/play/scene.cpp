@@ -46,8 +46,8 @@ void SuspenseAlarm_Ready(Self self) { self[suspense] = 0; }
 
 void SuspenseEndStep(Self self) {
   const double left = view_xview[0], top = view_yview[0];
-  const bool in_view = collision_rectangle(self, left, top, left + view_wview[0].Get(), top + view_hview[0].Get(),
-                                           self[obj], false, false) != noone;
+  const bool in_view = collision_rectangle(self, left, top, left + view_wview[0].Get(),
+                                           top + view_hview[0].Get(), self[obj], false, false) != noone;
   if (self[suspense] == 0 && in_view) {
     audio_play_sound(snd_horror2, 1, true);
     self[suspense] = 1;

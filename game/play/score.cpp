@@ -14,8 +14,7 @@ void Step(Self self) {
   if (self[vspeed] == 0) instance_destroy(self);
 }
 
-template <int kPoints, int kSprite>
-void Award(Self self) {
+template <int kPoints, int kSprite> void Award(Self self) {
   score += kPoints;
   self[sprite_index] = kSprite;
 }

@@ -64,8 +64,8 @@ bool has_run_out(Self self) { return self[friction] != 0 && abs(self[hspeed]) < 
 bool solid_ahead(Self self, Self hero) {
   const double from = self[hspeed] > 0 ? hero[bbox_right].Get() : hero[bbox_left].Get();
   const double to = from + self[hspeed].Get() + (self[hspeed] > 0 ? 1 : -1);
-  return collision_rectangle(hero, from, hero[bbox_top] + 4, to, hero[bbox_bottom] - 1, obj_solid, true, false) !=
-         noone;
+  return collision_rectangle(hero, from, hero[bbox_top] + 4, to, hero[bbox_bottom] - 1, obj_solid, true,
+                             false) != noone;
 }
 
 void Step(Self self) {
@@ -106,12 +106,9 @@ void MeetsEnemy(Self, Other enemy) {
 } // namespace
 
 const EventTable obj_slider_events = {
-    {ev_create, 0, Create},
-    {ev_destroy, 0, Destroy},
-    {ev_alarm, 0, Alarm_Dust},
-    {ev_step, ev_step_normal, Step},
-    {ev_step, ev_step_end, EndStep},
-    {ev_collision, obj_enemyparent, MeetsEnemy},
+    {ev_create, 0, Create},          {ev_destroy, 0, Destroy},
+    {ev_alarm, 0, Alarm_Dust},       {ev_step, ev_step_normal, Step},
+    {ev_step, ev_step_end, EndStep}, {ev_collision, obj_enemyparent, MeetsEnemy},
 };
 
 } // namespace vesk

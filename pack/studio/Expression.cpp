@@ -31,7 +31,8 @@ double Cells(Scope& scope, const double* a) {
   for (int j = -2; j <= 2; ++j)
     for (int i = -2; i <= 2; ++i) {
       const double cx = gx + i, cy = gy + j, ix = Modulo(cx, nx), iy = Modulo(cy, ny);
-      const double mx = (cx + .5 + (HashNoise(ix, iy, seed) - .5) * jitter + (Modulo(iy, 2) != 0 ? .5 : 0)) * cw;
+      const double mx =
+          (cx + .5 + (HashNoise(ix, iy, seed) - .5) * jitter + (Modulo(iy, 2) != 0 ? .5 : 0)) * cw;
       const double my = (cy + .5 + (HashNoise(ix, iy, seed + 77) - .5) * jitter) * ch;
       const double dx = x - mx, dy = y - my, d = std::sqrt(dx * dx + dy * dy);
       if (d < near) {

@@ -15,7 +15,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::string text = GamepadMapping_Text(mapping);
     GamepadMappings().clear();
     GamepadMapping_Parse(text);
-    if (!GamepadMappings().empty() && GamepadMapping_Text(GamepadMappings().front()) != text) __builtin_trap();
+    if (!GamepadMappings().empty() && GamepadMapping_Text(GamepadMappings().front()) != text)
+      __builtin_trap();
     GamepadMapping_Find(mapping.guid);
   }
   return 0;

@@ -15,7 +15,8 @@ using namespace vesk;
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   static const std::string file = Directory_Temporary() + "vesk-fuzz-record-" + std::to_string(getpid());
   std::string why;
-  if (!File_WriteAll(file, std::string_view(reinterpret_cast<const char*>(data), size), &why)) __builtin_trap();
+  if (!File_WriteAll(file, std::string_view(reinterpret_cast<const char*>(data), size), &why))
+    __builtin_trap();
   InputState& input = Input();
   if (!input.playback.Open(file, "rb", &why)) __builtin_trap();
   int down = 0;

@@ -1,5 +1,5 @@
-// The graphics driver's libraries stay loaded to the end of a test program, or what they keep for the process counts as
-// lost.
+// The graphics driver's libraries stay loaded to the end of a test program, or what they keep for the process
+// counts as lost.
 #include <dlfcn.h>
 
 #include <string>
