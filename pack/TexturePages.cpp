@@ -99,6 +99,16 @@ TexturePages PackPages(std::span<const Picture* const> pictures, std::span<const
     while (area > static_cast<int64_t>(width) * height && height < kPageSize) grow();
     while (!PackOnce(rects, ranks, width, height) && height < kPageSize) grow();
 
+    // What no picture reaches is cut off: a page costs memory by its area.
+    int usedWidth = 0, usedHeight = 0;
+    for (const stbrp_rect& rect : rects)
+      if (rect.was_packed) {
+        usedWidth = std::max(usedWidth, rect.x + rect.w);
+        usedHeight = std::max(usedHeight, rect.y + rect.h);
+      }
+    width = std::min(width, (usedWidth + 15) / 16 * 16);
+    height = std::min(height, (usedHeight + 15) / 16 * 16);
+
     const int page = static_cast<int>(result.pages.size());
     Picture picture{width, height,
                     std::vector<uint32_t>(static_cast<size_t>(width) * static_cast<size_t>(height))};
