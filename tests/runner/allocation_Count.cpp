@@ -8,9 +8,13 @@ namespace {
 
 std::atomic<size_t> g_count{0};
 
-void* Take(size_t size) {
+void* TakeIfThere(size_t size) {
   ++g_count;
-  if (void* block = std::malloc(size > 0 ? size : 1)) return block;
+  return std::malloc(size > 0 ? size : 1);
+}
+
+void* Take(size_t size) {
+  if (void* block = TakeIfThere(size)) return block;
   throw std::bad_alloc();
 }
 
@@ -31,6 +35,8 @@ size_t Allocations() { return g_count; }
 
 void* operator new(size_t size) { return Take(size); }
 void* operator new[](size_t size) { return Take(size); }
+void* operator new(size_t size, const std::nothrow_t&) noexcept { return TakeIfThere(size); }
+void* operator new[](size_t size, const std::nothrow_t&) noexcept { return TakeIfThere(size); }
 void* operator new(size_t size, std::align_val_t alignment) { return TakeAligned(size, alignment); }
 void* operator new[](size_t size, std::align_val_t alignment) { return TakeAligned(size, alignment); }
 void operator delete(void* block) noexcept { std::free(block); }
