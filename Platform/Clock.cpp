@@ -12,8 +12,8 @@ namespace vesk {
 namespace {
 
 // A nap is late by some tens of microseconds, so the last stretch before the goal is a true busy wait.
-constexpr int64_t kNapMargin = 150;
-constexpr int64_t kLongestNap = 1000; // messages are served in between
+constexpr int64_t kNapMargin = 100;
+constexpr int64_t kLongestNap = 4000; // messages are served in between
 
 int64_t MonotonicMicroseconds() {
   timespec now{};
