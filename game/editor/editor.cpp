@@ -363,8 +363,7 @@ void DrawGuiEnd(Self self) {
   if (!place_meeting(self, self[x], self[y], obj_button)) return;
   draw_set_font(global[font]);
   const std::string tip = self[text].text();
-  if (!tip.empty())
-    draw_backed_text(min(self[x] + 8, view_wview[0] - 2 - string_width(tip)), self[y] + 8, tip, c_white);
+  if (!tip.empty()) draw_backed_text(self[x] + 8, self[y] + 8, tip, c_white);
 }
 
 void Shine(Self self) {

@@ -23,6 +23,7 @@ void ButtonCreate(Self self) {
   self[text] = "";
   self[image] = -1;
   self[frame] = 0;
+  self[name] = "";
   self[image_speed] = 0;
 }
 
@@ -63,6 +64,9 @@ void ToggleEndStep(Self self) { follow_mouse(self, true); }
 void draw_button(Self self, double left, double top) {
   draw_sprite_ext(self, self[sprite_index], self[image_index], left, top, 1, 1, 0, c_white, kPanelAlpha);
   if (self[image] != -1) draw_sprite(self, self[image], self[frame], left + 3, top + 3);
+  if (self[name] == "") return;
+  draw_set_font(global[font]);
+  draw_text(left + 24, top + 7, self[name]);
 }
 
 // All of it is in the GUI layer; without this the sprite would stand in the room as well.
@@ -84,7 +88,14 @@ void ToggleDrawGui(Self self) {
 
 // ---- key reader ----
 
+void forget_key() {
+  keyboard_lastkey = -1;
+  keyboard_lastchar = "#";
+}
+
+// A key that was pressed before there was a reader is no text.
 void ReaderCreate(Self self) {
+  forget_key();
   self[words] = "";
   self[mode] = kNames;
   self[notifyto] = noone;
@@ -129,10 +140,7 @@ void ReaderStep(Self self) {
   audio_play_sound(snd_rapidfire, 0, false);
 }
 
-void ReaderEndStep(Self) {
-  keyboard_lastkey = -1;
-  keyboard_lastchar = "#";
-}
+void ReaderEndStep(Self) { forget_key(); }
 
 } // namespace
 
@@ -142,6 +150,7 @@ Self make_button(Self owner, double left, double top, const std::string& said, c
   button[sprite_index] = look.body;
   button[image] = look.image;
   button[frame] = look.imageFrame;
+  button[name] = look.label;
   button[notify] = said;
   button[text] = tooltip;
   button[notifyto] = owner.number();
@@ -161,7 +170,9 @@ Self make_key_reader(Self owner, ReaderMode reads) {
   return reader;
 }
 
-void draw_backed_text(double left, double top, const std::string& shown, int colour) {
+void draw_backed_text(double left, double top, const std::string& shown, int colour, double highest) {
+  left = max(2, min(left, view_wview[0] - 2 - string_width(shown)));
+  top = max(highest, min(top, view_hview[0] - 1 - string_height(shown)));
   draw_set_colour(c_black);
   draw_set_alpha(0.7f);
   draw_rectangle(static_cast<float>(left - 2), static_cast<float>(top - 1),

@@ -21,6 +21,7 @@ struct ButtonLook {
   int body;       // sprite of the body
   int image = -1; // icon; -1 none
   int imageFrame = 0;
+  const char* label = ""; // beside the icon
 };
 
 // A button at a view position that sets `note` of its owner and runs the owner's user event 0 on a click.
@@ -32,8 +33,9 @@ void destroy_buttons_of(Self owner);
 // Reads typed text into its `words`; runs user event 8 of the owner after each change.
 Self make_key_reader(Self owner, ReaderMode mode);
 
-// Text in the present font on a dark backing, so that it can be read over anything.
-void draw_backed_text(double left, double top, const std::string& text, int colour);
+// Text in the present font on a dark backing, so that it can be read over anything. Moved as far as the view
+// would cut it off, and not above `highest`.
+void draw_backed_text(double left, double top, const std::string& text, int colour, double highest = 2);
 
 // Plays the sound of a refusal and keeps its words in `error` of the owner; they show while the sound plays.
 void refuse(Self owner, const std::string& words);

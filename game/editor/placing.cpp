@@ -18,6 +18,7 @@ namespace {
 
 constexpr int kLeftButton = 1, kRightButton = 2;
 constexpr int kDiagonalKey = 'C';
+constexpr int kBelowToolbar = 34; // view pixels
 
 // ---- placeholders ----
 
@@ -62,11 +63,8 @@ void ModifierDraw(Self self) {
 void ModifierDrawGui(Self self) {
   if (!shows_text(self)) return;
   draw_set_font(global[font]);
-  const std::string shown = self[cc_text].text();
-  // Moved only as far as it would be cut off.
-  draw_backed_text(min(self[x] - view_xview[0], view_wview[0] - 2 - string_width(shown)),
-                   min(self[y] - view_yview[0], view_hview[0] - 2 - string_height(shown)), shown,
-                   self[image_blend]);
+  draw_backed_text(self[x] - view_xview[0], self[y] - view_yview[0], self[cc_text].text(), self[image_blend],
+                   kBelowToolbar);
 }
 
 // ---- the light of a placeholder ----
@@ -181,9 +179,7 @@ void erase_spread(Self self, Spot from, std::span<const Spot> steps) {
   const RValue erased = ds_map_find_value(map, key_of(from));
   spread(
       from, steps,
-      [&](Spot cell) {
-        return in_section(cell) && CompareValues(ds_map_find_value(map, key_of(cell)), erased, 0) == 0;
-      },
+      [&](Spot cell) { return CompareValues(ds_map_find_value(map, key_of(cell)), erased, 0) == 0; },
       [&](Spot cell) { erase_tile(self, cell); });
 }
 

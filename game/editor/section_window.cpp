@@ -29,8 +29,8 @@ void Create(Self self) {
   event_inherited(self);
   destroy_buttons_of(self); // the inherited one would be taken for a section of its name
   make_button(self, 349, 39, kClose, "Close", {spr_button, spr_editor_top_icons, 14}, obj_button);
-  make_button(self, 13, 63, kDelete, "Delete Section", {spr_button_l, spr_check_x, 1}, obj_button);
-  make_button(self, 288, 63, kCreate, "Create Section", {spr_button_l, spr_check_x, 0}, obj_button);
+  make_button(self, 13, 63, kDelete, "Delete Section", {spr_button_l, spr_check_x, 1, "Delete"}, obj_button);
+  make_button(self, 288, 63, kCreate, "Create Section", {spr_button_l, spr_check_x, 0, "Create"}, obj_button);
   self[readkeys] = make_key_reader(self, kNames).number();
   event_user(self, 1);
 }

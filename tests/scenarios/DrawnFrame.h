@@ -1,0 +1,54 @@
+#pragma once
+// What a frame draws over the map, in the GUI layer: pictures by name and lines of text, in view pixels.
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace vesk {
+
+class EditorDesk;
+
+struct Box {
+  double left, top, right, bottom; // right and bottom are the first pixels outside
+
+  bool Holds(const Box& inner) const {
+    return inner.left >= left && inner.right <= right && inner.top >= top && inner.bottom <= bottom;
+  }
+  bool HoldsPoint(double x, double y) const { return x >= left && x < right && y >= top && y < bottom; }
+  bool Touches(const Box& other) const {
+    return left < other.right && other.left < right && top < other.bottom && other.top < bottom;
+  }
+  std::string Words() const;
+};
+
+struct DrawnPicture {
+  std::string name; // of a sprite or background; "" for a plain area
+  int32_t frame;
+  Box box;         // without what is empty around the picture
+  uint32_t colour; // ARGB
+};
+
+struct DrawnLine {
+  std::string text;
+  Box ink;
+  Box firstLetter;
+  size_t over; // pictures drawn before it
+};
+
+struct DrawnFrame {
+  std::vector<DrawnPicture> pictures; // in the order in which they are drawn
+  std::vector<DrawnLine> lines;
+
+  const DrawnPicture* Find(const std::string& name) const; // the last of the name; null when there is none
+  bool Reads(const std::string& text) const;               // whether a line says just that
+  std::string Words() const;                               // all lines
+};
+
+// Runs a frame and looks at what it drew.
+DrawnFrame LookAtFrame(EditorDesk& desk);
+
+// What is wrong with the frame's texts and buttons, a sentence each: a line that leaves the view or the
+// picture that it begins on, that something covers, or that runs into another line; buttons that overlap.
+std::vector<std::string> Misfits(const DrawnFrame& frame);
+
+} // namespace vesk
