@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include <malloc.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -20,5 +21,7 @@ int64_t Memory_PeakBytes() {
   rusage usage{};
   return getrusage(RUSAGE_SELF, &usage) == 0 ? static_cast<int64_t>(usage.ru_maxrss) * 1024 : 0;
 }
+
+void Memory_GiveBack() { malloc_trim(0); }
 
 } // namespace vesk

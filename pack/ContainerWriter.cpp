@@ -566,46 +566,44 @@ void WriteSoundData(Bytes& out, const std::vector<const std::string*>& data) {
   }
 }
 
-// All pictures in the order of their page entries: frames of sprites, then backgrounds.
-std::vector<const Picture*> Pictures(const Game& game) {
-  std::vector<const Picture*> pictures;
-  const auto add = [&](const std::string& owner, const Picture& picture) {
+// The backgrounds that stand as tiles in a room.
+std::vector<bool> TileSets(const Game& game) {
+  std::vector<bool> tileSets(game.backgrounds.size());
+  for (const Room& room : game.rooms)
+    for (const RoomTile& tile : room.tiles)
+      if (tile.background >= 0 && static_cast<size_t>(tile.background) < tileSets.size())
+        tileSets[static_cast<size_t>(tile.background)] = true;
+  return tileSets;
+}
+
+// All pictures in the order of their page entries: frames of sprites, then backgrounds. Sprites and tile sets
+// are drawn in turns all over a picture: they share pages before backdrops and screens.
+std::vector<PagePicture> Pictures(const Game& game) {
+  std::vector<PagePicture> pictures;
+  const auto add = [&](const std::string& owner, const Picture& picture, bool backdrop) {
     if (picture.width < 1 || picture.height < 1 || picture.width > 0x7FFF || picture.height > 0x7FFF ||
         picture.rgba.size() != static_cast<size_t>(picture.width) * static_cast<size_t>(picture.height))
       Fail(owner + ": a picture of " + std::to_string(picture.width) + " by " +
            std::to_string(picture.height) + " with " + std::to_string(picture.rgba.size()) + " pixels");
-    pictures.push_back(&picture);
+    pictures.push_back({&picture, backdrop});
   };
   for (const Sprite& sprite : game.sprites)
     for (const Picture& frame : sprite.frames) {
-      add("sprite " + sprite.name, frame);
+      add("sprite " + sprite.name, frame, false);
       if (frame.width != sprite.frames[0].width || frame.height != sprite.frames[0].height)
         Fail("sprite " + sprite.name + ": its frames differ in size");
     }
-  for (const Background& background : game.backgrounds)
-    add("background " + background.name, background.picture);
+  const std::vector<bool> tileSets = TileSets(game);
+  for (size_t at = 0; at < game.backgrounds.size(); ++at)
+    add("background " + game.backgrounds[at].name, game.backgrounds[at].picture, !tileSets[at]);
   return pictures;
-}
-
-// Sprites and tile sets are drawn in turns all over a picture: they share pages before backdrops and screens
-// take what room is left.
-std::vector<int> Ranks(const Game& game) {
-  std::vector<int> ranks;
-  for (const Sprite& sprite : game.sprites) ranks.insert(ranks.end(), sprite.frames.size(), 0);
-  const size_t first = ranks.size();
-  ranks.resize(first + game.backgrounds.size(), 1);
-  for (const Room& room : game.rooms)
-    for (const RoomTile& tile : room.tiles)
-      if (tile.background >= 0 && static_cast<size_t>(tile.background) < game.backgrounds.size())
-        ranks[first + static_cast<size_t>(tile.background)] = 0;
-  return ranks;
 }
 
 } // namespace
 
 std::vector<uint8_t> Write(const Game& game) {
-  const std::vector<const Picture*> pictures = Pictures(game);
-  const TexturePages pages = PackPages(pictures, Ranks(game));
+  const std::vector<PagePicture> pictures = Pictures(game);
+  const TexturePages pages = PackPages(pictures);
   const SoundData sounds = PlaceSounds(game.sounds);
   const std::vector<int> instanceIds = Ids(game.rooms, &Room::instances, kFirstInstance);
   const std::vector<int> tileIds = Ids(game.rooms, &Room::tiles, kFirstTile);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <csetjmp>
 #include <cstring>
+#include <functional>
 #include <png.h>
 #include <stdexcept>
 
@@ -18,7 +19,7 @@ namespace vesk::pack {
 namespace {
 
 constexpr int kPadding = 1;
-constexpr int kSmallestPage = 64;
+constexpr int kWidthStep = 64;
 
 bool Visible(uint32_t rgba) { return (rgba >> 24) != 0; }
 
@@ -50,76 +51,98 @@ PagePlace Crop(const Picture& picture) {
   return place;
 }
 
-// Packs what fits onto one page of that size, a rank at a time; true when everything did. The rectangles
-// stand in the order of their ranks.
-bool PackOnce(std::vector<stbrp_rect>& rects, std::span<const int> ranks, int width, int height) {
+// The rectangles to pack: those before `backdrops` come first.
+struct Rects {
+  std::vector<stbrp_rect> all;
+  std::ptrdiff_t backdrops = 0;
+};
+
+// Packs what fits onto a page that wide; true when everything did.
+bool PackOnce(Rects& rects, int width) {
   std::vector<stbrp_node> nodes(static_cast<size_t>(width));
   stbrp_context context;
-  stbrp_init_target(&context, width, height, nodes.data(), width);
+  stbrp_init_target(&context, width, kPageSize, nodes.data(), width);
   stbrp_setup_heuristic(&context, STBRP_HEURISTIC_Skyline_BF_sortHeight);
-  const auto rank = [&](const stbrp_rect& rect) {
-    return ranks.empty() ? 0 : ranks[static_cast<size_t>(rect.id)];
-  };
-  bool all = true;
-  for (auto from = rects.begin(); from != rects.end();) {
-    const auto to =
-        std::find_if(from, rects.end(), [&](const stbrp_rect& rect) { return rank(rect) != rank(*from); });
-    all = stbrp_pack_rects(&context, &*from, static_cast<int>(to - from)) != 0 && all;
-    from = to;
+  const auto total = static_cast<std::ptrdiff_t>(rects.all.size());
+  const bool first = stbrp_pack_rects(&context, rects.all.data(), static_cast<int>(rects.backdrops)) != 0;
+  return stbrp_pack_rects(&context, rects.all.data() + rects.backdrops,
+                          static_cast<int>(total - rects.backdrops)) != 0 &&
+         first;
+}
+
+struct Extent {
+  int width = 0, height = 0;
+  int64_t Area() const { return static_cast<int64_t>(width) * height; }
+};
+
+// What the packed pictures take, in whole blocks of 16 pixels.
+Extent Used(std::span<const stbrp_rect> rects) {
+  Extent used;
+  for (const stbrp_rect& rect : rects) {
+    if (!rect.was_packed) continue;
+    used.width = std::max(used.width, rect.x + rect.w);
+    used.height = std::max(used.height, rect.y + rect.h);
   }
-  return all;
+  const auto blocks = [](int pixels) { return (pixels + 15) / 16 * 16; };
+  return {std::min(blocks(used.width), kPageSize), std::min(blocks(used.height), kPageSize)};
+}
+
+// Packs everything onto the page of the smallest area, since a page costs memory by its area; where no page
+// holds everything, as much as the largest page holds.
+Extent PackTightly(Rects& rects) {
+  Extent best;
+  int bestWidth = kPageSize;
+  int64_t needed = 0;
+  for (const stbrp_rect& rect : rects.all) needed += static_cast<int64_t>(rect.w) * rect.h;
+  for (int width = kWidthStep; width <= kPageSize; width += kWidthStep) {
+    if (needed > static_cast<int64_t>(width) * kPageSize || !PackOnce(rects, width)) continue;
+    const Extent used = Used(rects.all);
+    if (best.width == 0 || used.Area() < best.Area()) {
+      best = used;
+      bestWidth = width;
+    }
+  }
+  PackOnce(rects, bestWidth);
+  return Used(rects.all);
 }
 
 } // namespace
 
-TexturePages PackPages(std::span<const Picture* const> pictures, std::span<const int> ranks) {
+TexturePages PackPages(std::span<const PagePicture> pictures) {
   TexturePages result;
-  std::vector<stbrp_rect> rects;
-  for (const Picture* picture : pictures) {
+  std::vector<stbrp_rect> waiting;
+  for (const auto& [picture, backdrop] : pictures) {
     PagePlace place = Crop(*picture);
-    if (place.width + kPadding > kPageSize || place.height + kPadding > kPageSize)
+    const int padding = backdrop ? 0 : kPadding;
+    if (place.width + padding > kPageSize || place.height + padding > kPageSize)
       throw std::runtime_error("a picture of " + std::to_string(place.width) + " by " +
                                std::to_string(place.height) + " pixels does not fit on a texture page");
-    rects.push_back(
-        {static_cast<int>(result.places.size()), place.width + kPadding, place.height + kPadding, 0, 0, 0});
+    waiting.push_back(
+        {static_cast<int>(result.places.size()), place.width + padding, place.height + padding, 0, 0, 0});
     result.places.push_back(place);
   }
 
-  const auto before = [&](const stbrp_rect& a, const stbrp_rect& b) {
-    const int rankA = ranks.empty() ? 0 : ranks[static_cast<size_t>(a.id)];
-    const int rankB = ranks.empty() ? 0 : ranks[static_cast<size_t>(b.id)];
-    return rankA != rankB ? rankA < rankB : a.id < b.id;
+  const auto isBackdrop = [&](const stbrp_rect& rect) {
+    return pictures[static_cast<size_t>(rect.id)].backdrop;
   };
-  while (!rects.empty()) {
-    std::sort(rects.begin(), rects.end(), before);
-    int64_t area = 0;
-    for (const stbrp_rect& rect : rects) area += static_cast<int64_t>(rect.w) * rect.h;
-    int width = kSmallestPage, height = kSmallestPage;
-    const auto grow = [&] { (width <= height ? width : height) *= 2; };
-    while (area > static_cast<int64_t>(width) * height && height < kPageSize) grow();
-    while (!PackOnce(rects, ranks, width, height) && height < kPageSize) grow();
-
-    // What no picture reaches is cut off: a page costs memory by its area.
-    int usedWidth = 0, usedHeight = 0;
-    for (const stbrp_rect& rect : rects)
-      if (rect.was_packed) {
-        usedWidth = std::max(usedWidth, rect.x + rect.w);
-        usedHeight = std::max(usedHeight, rect.y + rect.h);
-      }
-    width = std::min(width, (usedWidth + 15) / 16 * 16);
-    height = std::min(height, (usedHeight + 15) / 16 * 16);
+  while (!waiting.empty()) {
+    Rects rects{std::move(waiting)};
+    std::sort(rects.all.begin(), rects.all.end(), [](const auto& a, const auto& b) { return a.id < b.id; });
+    rects.backdrops = std::stable_partition(rects.all.begin(), rects.all.end(), std::not_fn(isBackdrop)) -
+                      rects.all.begin();
+    waiting.clear();
+    const auto [width, height] = PackTightly(rects);
 
     const int page = static_cast<int>(result.pages.size());
     Picture picture{width, height,
                     std::vector<uint32_t>(static_cast<size_t>(width) * static_cast<size_t>(height))};
-    std::vector<stbrp_rect> left;
-    for (const stbrp_rect& rect : rects) {
+    for (const stbrp_rect& rect : rects.all) {
       if (!rect.was_packed) {
-        left.push_back(rect);
+        waiting.push_back(rect);
         continue;
       }
       PagePlace& place = result.places[static_cast<size_t>(rect.id)];
-      const Picture& from = *pictures[static_cast<size_t>(rect.id)];
+      const Picture& from = *pictures[static_cast<size_t>(rect.id)].picture;
       place.page = page;
       place.sourceX = rect.x;
       place.sourceY = rect.y;
@@ -131,7 +154,6 @@ TexturePages PackPages(std::span<const Picture* const> pictures, std::span<const
                     static_cast<size_t>(place.width) * sizeof(uint32_t));
     }
     result.pages.push_back(std::move(picture));
-    rects = std::move(left);
   }
   return result;
 }

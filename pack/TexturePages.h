@@ -24,11 +24,16 @@ struct TexturePages {
   std::vector<PagePlace> places; // one a picture, in the order given
 };
 
-// Pages are powers of two, no larger than needed, with a clear pixel between pictures. A picture without a
-// visible pixel keeps one clear pixel. Throws std::runtime_error for a picture that no page can hold.
-// Pictures of a lower rank come first onto every page, so that what is drawn together stands together; none:
-// all the same.
-TexturePages PackPages(std::span<const Picture* const> pictures, std::span<const int> ranks = {});
+struct PagePicture {
+  const Picture* picture;
+  // Drawn upright and in its own size: stands edge to edge with its neighbours, where others have a clear
+  // pixel between them, and takes what room the others leave.
+  bool backdrop = false;
+};
+
+// Packs onto as few pages as hold them, none larger than what it holds. A picture without a visible pixel
+// keeps one clear pixel. Throws std::runtime_error for a picture that no page can hold.
+TexturePages PackPages(std::span<const PagePicture> pictures);
 
 // An 8-bit RGBA PNG file in memory, the same bytes for the same picture. Throws std::runtime_error.
 std::string EncodePng(const Picture& picture);

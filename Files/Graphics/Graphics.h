@@ -15,7 +15,7 @@ struct GraphicsSettings {        // from the container's header and options, bef
   bool keepAspect = true;         // bars instead of stretching
   bool oneBatchABuffer = false;   // -intel: a buffer of the list takes one batch
   bool compressTextures = false;  // only answered in the log
-  bool texturesOnDemand = false;  // images are not even decoded before their first use
+  bool texturesOnDemand = false;  // nothing is decoded ahead of its first use
   int32_t applicationWidth = 384; // application surface, pixels
   int32_t applicationHeight = 216;
   uint32_t windowColour = 0; // 24 bits, red low

@@ -4,6 +4,7 @@
 #include "Files/Graphics/Batch.h"
 #include "Files/Graphics/Graphics.h"
 #include "Files/Graphics/PngImage.h"
+#include "Platform/Memory.h"
 #include "Platform/Threads.h"
 
 #include <algorithm>
@@ -16,10 +17,11 @@ namespace vesk {
 class DecodingImage {
 public:
   explicit DecodingImage(std::vector<uint8_t> pixels) { m_image.pixels = std::move(pixels); }
-  // At once on a thread of its own, or at the first question for the pixels.
-  DecodingImage(const uint8_t* data, uint32_t size, bool onDemand) {
-    m_decode = [this, data, size] { m_good = Png_Decode(data, size, m_image, m_why); };
-    if (!onDemand && m_thread.Start(m_decode)) m_decode = nullptr;
+  // Decoded at the first question for the pixels, or ahead of it.
+  DecodingImage(const uint8_t* data, uint32_t size)
+      : m_decode([this, data, size] { m_good = Png_Decode(data, size, m_image, m_why); }) {}
+  void DecodeAhead() {
+    if (m_thread.Start(m_decode)) m_decode = nullptr;
   }
   const uint8_t* Pixels() { // null: could not be decoded
     m_thread.Join();
@@ -104,6 +106,7 @@ bool Upload(int32_t id) {
     slot.handle = 0;
   }
   slot.image.reset();
+  Memory_GiveBack();
   return good;
 }
 
@@ -111,8 +114,7 @@ std::shared_ptr<DecodingImage> ImageOf(const uint8_t* data, uint32_t size) {
   auto& prefetched = g_textures.prefetched;
   const auto found = std::find_if(prefetched.begin(), prefetched.end(),
                                   [data](const auto& image) { return image.first == data; });
-  if (found == prefetched.end())
-    return std::make_shared<DecodingImage>(data, size, Graphics().settings.texturesOnDemand);
+  if (found == prefetched.end()) return std::make_shared<DecodingImage>(data, size);
   std::shared_ptr<DecodingImage> image = std::move(found->second);
   prefetched.erase(found);
   return image;
@@ -174,7 +176,9 @@ int32_t Texture_CreateFromData(const uint8_t* data, uint32_t size, uint32_t) {
 void Texture_Prefetch(const uint8_t* data, uint32_t size) {
   int32_t width = 0, height = 0;
   if (Graphics().settings.texturesOnDemand || !Png_Measure(data, size, width, height)) return;
-  g_textures.prefetched.emplace_back(data, std::make_shared<DecodingImage>(data, size, false));
+  auto image = std::make_shared<DecodingImage>(data, size);
+  image->DecodeAhead();
+  g_textures.prefetched.emplace_back(data, std::move(image));
 }
 
 int32_t Texture_CreateFromPixels(int32_t width, int32_t height, const uint8_t* pixels, uint32_t size) {

@@ -23,13 +23,14 @@ struct TextureSlot {
 };
 
 // New texture of an image file in memory (PNG, or the raw form headed "RAW "). A PNG image is measured here
-// and decoded in the background, to be ready when it is first bound; its bytes must stay until then. The id
-// is valid even when the image is not: then nothing is drawn with it. Works before there is a device.
+// and decoded when it is first bound; its bytes must stay until then. The id is valid even when the image is
+// not: then nothing is drawn with it. Works before there is a device.
 int32_t Texture_CreateFromData(const uint8_t* data, uint32_t size, uint32_t flags = 0);
 inline int32_t Texture_CreateFromPng(const uint8_t* data, uint32_t size) {
   return Texture_CreateFromData(data, size);
 }
-// Begins to decode a PNG image that Texture_CreateFromData will be given: the window can be made meanwhile.
+// Begins to decode a PNG image that Texture_CreateFromData will be given on a thread of its own: the window
+// can be made meanwhile.
 void Texture_Prefetch(const uint8_t* data, uint32_t size);
 // Pixels are red, green, blue, alpha, rows from the top; copied. -1 when `size` is too small.
 int32_t Texture_CreateFromPixels(int32_t width, int32_t height, const uint8_t* pixels, uint32_t size);

@@ -147,11 +147,13 @@ bool DoTheWork(const ContainerView& container) {
   return true;
 }
 
-// The pages decode while the window and its context are made.
-void PrefetchPages() {
+// The first page, which every picture needs, decodes while the window and its context are made. The others
+// take no memory before something is drawn from them.
+void PrefetchFirstPage() {
   if (state.setup.makeDevice || Options().headless) return; // perhaps nothing is ever drawn
-  for (const std::optional<container::TextureRecord>& page : Load().records.textures)
-    if (page) Texture_Prefetch(page->data.data(), static_cast<uint32_t>(page->data.size()));
+  const auto& pages = Load().records.textures;
+  if (!pages.empty() && pages[0])
+    Texture_Prefetch(pages[0]->data.data(), static_cast<uint32_t>(pages[0]->data.size()));
 }
 
 bool StartTheGame() {
@@ -170,7 +172,7 @@ bool StartTheGame() {
     return false;
   }
   Runner_ApplyOptions();
-  PrefetchPages();
+  PrefetchFirstPage();
   Log("Create Window\n");
   if (!Runner_CreateWindow() || !InitialiseGraphics()) return false;
   Log("IO Init\n");
