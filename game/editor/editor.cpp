@@ -9,6 +9,8 @@
 #include "game/level/level_build.h"
 #include "game/level/level_file.h"
 #include "game/play/levelmanager.h"
+#include "game/play/lighting.h"
+#include "game/play/water.h"
 #include "game/text.h"
 
 #include <array>
@@ -22,7 +24,6 @@ constexpr int kMinWidth = 24, kMinHeight = 14; // cells
 constexpr int kMarginX = 160, kMarginY = 120;  // pixels that the view may go beyond the section
 constexpr int kEdge = 8;                       // pixels on each side of the view's edge that scroll
 constexpr int kMaxLight = 128;
-constexpr int kWaveReach = 3;          // pixels that the water shader moves the picture at most
 enum Over { kMap, kToolbar, kWindow }; // what the mouse is over
 enum Repeat { kNoRepeat, kWaiting, kRepeating };
 
@@ -383,34 +384,10 @@ void WaterCreate(Self self) {
 
 void WaterDraw(Self self) {
   const int columns = first(obj_editor)[width];
-  draw_set_blend_mode(bm_max);
-  for (int column = 0; column < columns; ++column)
-    draw_sprite(self, self[sprite_index], self[image_index], static_cast<float>(column * kCellSize), self[y]);
-  draw_sprite_part_ext(self, self[sprite_index], 0, 0, 14, 1, 1, 0, self[y] + 16,
-                       static_cast<float>(columns * kCellSize), self[height] * kCellSize, c_white, 1);
-  draw_set_blend_mode(bm_normal);
+  draw_water(self, self[y], columns, columns * kCellSize, self[height] * kCellSize);
 }
 
-void WaterDrawEnd(Self self) {
-  if (!surface_exists(global[overlaysurf])) global[overlaysurf] = surface_create(384, 216);
-  surface_set_target(global[overlaysurf]);
-  const Real top = self[y] - view_yview[0];
-  if (top - 1 < view_hview[0]) {
-    self[var::move] += 1;
-    shader_set(sha_water);
-    shader_set_uniform_f(self[var::time], self[var::move]);
-    draw_enable_alphablend(false);
-    draw_surface_part(application_surface(), 0, top, view_wview[0], view_hview[0] - top, 0, top);
-    shader_reset();
-    // The waves would pull in what lies beyond the picture's right edge.
-    draw_surface_part(application_surface(), view_wview[0] - kWaveReach, top, kWaveReach, view_hview[0] - top,
-                      view_wview[0] - kWaveReach, top);
-    draw_enable_alphablend(true);
-  } else {
-    self[var::move] = 0;
-  }
-  surface_reset_target();
-}
+void WaterDrawWaves(Self self) { draw_waves(self, self[y] - view_yview[0]); }
 
 } // namespace
 
@@ -428,7 +405,7 @@ const EventTable obj_editor_events = {
     {ev_other, ev_user(1), Resized},
     {ev_other, ev_user(2), BuildSection},
     {ev_other, ev_user(3), RebuildWater},
-    {ev_other, ev_user(14), Shine},
+    {ev_other, ev_user(kGivesLight), Shine},
     {ev_draw, ev_draw_normal, Draw},
     {ev_draw, ev_gui, DrawGui},
     {ev_draw, ev_gui_end, DrawGuiEnd},
@@ -438,7 +415,7 @@ const EventTable obj_editor_events = {
 const EventTable obj_watershader_editor_events = {
     {ev_create, 0, WaterCreate},
     {ev_draw, ev_draw_normal, WaterDraw},
-    {ev_draw, ev_draw_end, WaterDrawEnd},
+    {ev_draw, ev_draw_end, WaterDrawWaves},
 };
 
 } // namespace vesk

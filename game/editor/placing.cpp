@@ -6,6 +6,7 @@
 #include "game/editor/window.h"
 #include "game/level/catalogue.h"
 #include "game/level/level_build.h"
+#include "game/play/lighting.h"
 #include "game/text.h"
 
 #include <array>
@@ -282,7 +283,7 @@ const EventTable obj_editor_modifier_events = {
 };
 const EventTable obj_editor_light_events = {
     {ev_create, 0, LightCreate},
-    {ev_other, ev_user(14), LightShine},
+    {ev_other, ev_user(kGivesLight), LightShine},
 };
 // Fills work on a list of cells; no instance is made for them.
 const EventTable obj_editor_fill_tool_events = {};

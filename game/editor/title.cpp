@@ -1,6 +1,7 @@
 // obj_titlescreen: one of four scenes, chosen at random, and the prompt.
 #include "game/Game.h"
 #include "game/editor/interface.h"
+#include "game/play/lighting.h"
 
 #include <iterator>
 
@@ -75,7 +76,7 @@ const EventTable obj_titlescreen_events = {
     {ev_alarm, 0, Alarm_Blink},
     {ev_alarm, 1, Alarm_Music},
     {ev_other, ev_room_start, RoomStart},
-    {ev_other, ev_user(14), Shine},
+    {ev_other, ev_user(kGivesLight), Shine},
     {ev_draw, ev_gui, DrawGui},
     {ev_keypress, kEnterKey, PressEnter},
 };

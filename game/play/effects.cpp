@@ -1,4 +1,4 @@
-// Short effects: puffs that play once, bubbles, blood.
+// Short effects: puffs that play once, stars, bubbles, blood.
 #include "Files/Path/Function_Path.h"
 #include "Files/Path/Path.h"
 #include "game/Game.h"
@@ -10,6 +10,28 @@ namespace {
 void AnimateFast(Self self) { self[image_speed] = 0.3; }
 void AnimateSlowly(Self self) { self[image_speed] = 0.2; }
 void End(Self self) { instance_destroy(self); }
+
+// ---- obj_spinsmoke: four stars fly out of the middle of its cell ----
+
+void StarsCreate(Self self) {
+  audio_play_sound(snd_spinstomp, 0, false);
+  self[image_speed] = 0.3;
+  self[starx] = 0;
+  self[stary] = 0;
+  self[alarm][0] = 16;
+}
+
+void StarsStep(Self self) {
+  self[starx] += 2;
+  self[stary] += 1;
+}
+
+void StarsDraw(Self self) {
+  for (const int right : {-1, 1})
+    for (const int down : {-1, 1})
+      draw_sprite(self, spr_spinstar, -1, self[x] + 8 + right * self[starx],
+                  self[y] + 8 + down * self[stary]);
+}
 
 // ---- obj_bubble ----
 
@@ -48,6 +70,13 @@ const EventTable obj_smoke_events = {{ev_create, 0, AnimateFast}, {ev_other, ev_
 const EventTable obj_spinthump_events = {{ev_create, 0, AnimateFast}, {ev_other, ev_animation_end, End}};
 const EventTable obj_statuesmoke_events = {{ev_create, 0, AnimateSlowly}, {ev_other, ev_animation_end, End}};
 const EventTable obj_sparkletrail_events = {{ev_create, 0, AnimateSlowly}, {ev_other, ev_animation_end, End}};
+
+const EventTable obj_spinsmoke_events = {
+    {ev_create, 0, StarsCreate},
+    {ev_alarm, 0, End},
+    {ev_step, ev_step_normal, StarsStep},
+    {ev_draw, ev_draw_normal, StarsDraw},
+};
 
 const EventTable obj_bubble_events = {
     {ev_create, 0, BubbleCreate},

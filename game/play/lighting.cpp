@@ -14,7 +14,6 @@ namespace {
 
 constexpr int kViewWidth = 384, kViewHeight = 216; // pixels
 constexpr int kGrey = 8421504;                     // 128 in each channel: half the brightness outside lights
-constexpr int kGivesLight = 14;                    // user event of everything that gives light
 
 void Create(Self self) {
   self[ambientlight] = kGrey;

@@ -18,7 +18,6 @@ const EventTable obj_islope_r_events = {};
 const EventTable obj_islope_l_events = {};
 const EventTable obj_islope_sr_events = {};
 const EventTable obj_islope_sl_events = {};
-const EventTable obj_fillwater_events = {};
 const EventTable obj_stopblock_events = {};
 const EventTable obj_slopeparent_events = {};
 const EventTable obj_deactivation_events = {};
