@@ -4,6 +4,7 @@
 #include "game/NotBuilt.h"
 #include "game/ScriptTable.h"
 #include "game/Variables.h"
+#include "game/editor/title.h"
 
 #include <deque>
 #include <string>
@@ -34,11 +35,20 @@ const char* EventName(int type) {
   }
 }
 
+// Functions of single instances in rooms; a room's source names them.
+struct RoomFunction {
+  const char* room;
+  const char* name;
+  EventFunction function;
+};
+constexpr RoomFunction kRoomFunctions[] = {{"rm_title", "become_candle", become_candle}};
+
 std::span<const EventRow> Rows(const EventTable& table) { return {table.begin(), table.size()}; }
 
 struct Tables {
   std::vector<ObjectRow> objects;
   std::vector<ScriptRow> scripts;
+  std::vector<RoomCodeRow> roomCodes;
   std::vector<CodeEntry> code;
   std::deque<std::string> names; // a deque keeps the addresses that `code` holds
 
@@ -69,6 +79,12 @@ struct Tables {
                              std::to_string(row.subtype)),
                         row.function});
     }
+    for (const RoomFunction& row : kRoomFunctions) {
+      const int at = static_cast<int>(code.size());
+      roomCodes.push_back({row.name, at});
+      code.push_back(
+          {Name(std::string("fbl_RoomCC_") + row.room + "_" + std::to_string(at) + "_Create"), row.function});
+    }
   }
   const char* Name(std::string text) { return names.emplace_back(std::move(text)).c_str(); }
 };
@@ -82,6 +98,7 @@ const Tables& GameTables() {
 
 std::span<const ObjectRow> GameObjects() { return GameTables().objects; }
 std::span<const ScriptRow> GameScripts() { return GameTables().scripts; }
+std::span<const RoomCodeRow> GameRoomCodes() { return GameTables().roomCodes; }
 std::span<const CodeEntry> GameCodeTable() { return GameTables().code; }
 
 bool IsBuilt(int object) {

@@ -30,7 +30,14 @@ struct ScriptRow {
 };
 std::span<const ScriptRow> GameScripts();
 
-// Scripts first, then every object's events in index order.
+// Functions of single instances in rooms, by the names that the rooms' sources use.
+struct RoomCodeRow {
+  const char* name;
+  int code; // code-table index
+};
+std::span<const RoomCodeRow> GameRoomCodes();
+
+// Scripts first, then every object's events in index order, then the rooms' functions.
 std::span<const CodeEntry> GameCodeTable();
 
 // The game over container bytes, which must be writable and outlive the run; null bytes for a game read from

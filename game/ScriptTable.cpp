@@ -8,11 +8,17 @@
 #include "game/play/globals.h"
 #include "game/play/hero_sprites.h"
 #include "game/play/levelmanager.h"
+#include "game/play/lighting.h"
 #include "game/text.h"
 
 namespace vesk {
 
 namespace {
+
+// Called by name, an instance comes as its id.
+void emit_light(int instance, int sprite, int colour) {
+  with(instance, [&](Self it) { scr_emit_light(it, sprite, colour); });
+}
 
 constexpr ScriptEntry NotBuilt(const char* name) { return {name, ReportNotBuiltScript}; }
 
@@ -33,7 +39,7 @@ constexpr ScriptEntry kScripts[] = {
     NotBuilt("scr_canhold"),
     NotBuilt("scr_enemy_sees_player"),
     NotBuilt("scr_make_bodyparts"),
-    NotBuilt("scr_emit_light"),
+    Script<&emit_light>("scr_emit_light"),
     Script<&scr_constant_get_sprite>("scr_constant_get_sprite"),
     Script<&scr_sprite_get_constant>("scr_sprite_get_constant"),
     NotBuilt("scr_sprite_make_object"),

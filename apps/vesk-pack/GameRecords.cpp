@@ -31,9 +31,8 @@ int FindGameObject(const std::string& symbol) {
 }
 
 int FindGameCode(const std::string& name) {
-  const std::span<const CodeEntry> code = GameCodeTable();
-  for (size_t i = 0; i < code.size(); ++i)
-    if (name == code[i].name) return static_cast<int>(i);
+  for (const RoomCodeRow& row : GameRoomCodes())
+    if (name == row.name) return row.code;
   return -1;
 }
 

@@ -1,4 +1,6 @@
 // obj_titlescreen: one of four scenes, chosen at random, and the prompt.
+#include "game/editor/title.h"
+
 #include "game/Game.h"
 #include "game/editor/interface.h"
 #include "game/play/lighting.h"
@@ -70,6 +72,8 @@ void Shine(Self self) {
 }
 
 } // namespace
+
+void become_candle(Self torch) { torch[sprite_index] = spr_candlefire; }
 
 const EventTable obj_titlescreen_events = {
     {ev_create, 0, Create},
