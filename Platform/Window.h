@@ -18,6 +18,11 @@ struct DisplayMode {
   bool operator==(const DisplayMode&) const = default;
 };
 
+// How a screen that can be turned may be held; none: as the system likes. A desktop's doesn't turn.
+struct ScreenOrientations {
+  bool landscape = false, landscapeFlipped = false, portrait = false, portraitFlipped = false;
+};
+
 struct WindowSettings {
   std::string title; // UTF-8
   Extent size;       // client area
@@ -26,6 +31,7 @@ struct WindowSettings {
   bool fullscreen = false;
   bool cursorVisible = true;
   DisplayMode display = {};
+  ScreenOrientations orientations = {};
 };
 
 // Shapes of the pointer.

@@ -1,6 +1,7 @@
 // Code objects, their execution, debug frames and script calls.
 #include "Files/Code/Code.h"
 
+#include "Files/Base/Console.h"
 #include "Files/Base/Error.h"
 #include "Files/Code/Self.h"
 #include "Files/Script/Script.h"
@@ -48,11 +49,20 @@ void Code_Reset() {
 }
 
 DebugFrame::DebugFrame(const char* functionName)
-    : previous(std::exchange(g_frameHead, this)), name(functionName) {}
+    : previous(std::exchange(g_frameHead, this)), name(functionName) {
+  if (g_code.trace != CodeTrace::kOff) Code_Trace(functionName);
+}
 
 DebugFrame::~DebugFrame() { g_frameHead = previous; }
 
 DebugFrame* FrameHead() { return g_frameHead; }
+
+void Code_Trace(const std::string& entered) {
+  int depth = 0;
+  if (g_code.trace == CodeTrace::kExtended)
+    for (const DebugFrame* frame = g_frameHead; frame; frame = frame->previous) ++depth;
+  DebugConsole().Output("%*s%s\n", 2 * depth, "", entered.c_str());
+}
 
 // ---- code objects ----
 

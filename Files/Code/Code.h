@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <string>
 #include <vector>
 
 namespace vesk {
@@ -111,9 +112,14 @@ bool Code_ExecuteMarking(CInstance* self, CInstance* other, const CCode* code, R
 // Runs script `index`; false for an index outside the table or a hole.
 bool Script_Perform(int32_t index, CInstance* self, CInstance* other, int argc, RValue& result, RValue* args);
 
+// What the debug channel is told of the code that runs: nothing; the name of every function that is entered;
+// also its depth, whose event it is, and every built-in that is called by index.
+enum class CodeTrace { kOff, kEntries, kExtended };
+
 struct CodeState {
   std::span<const CodeEntry> table;
-  bool execute = true;              // cleared by -oldexec: no code runs
+  bool execute = true; // cleared by -oldexec: no code runs
+  CodeTrace trace = CodeTrace::kOff;
   const char* currentFunction = ""; // the built-in that is running, for argument messages
   int32_t codeCount = 0;            // live code objects
   int32_t instanceSlotCount = 0;    // of every instance, from the descriptor
@@ -121,6 +127,7 @@ struct CodeState {
   int argumentCount = 0;
 };
 CodeState& Code();
+void Code_Trace(const std::string& entered); // a line of the trace; indented in the extended one
 void Code_Reset();
 
 // ---- with ----

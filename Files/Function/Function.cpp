@@ -157,6 +157,7 @@ void CallBuiltin(CInstance* self, CInstance* other, RValue& result, int argc, in
     ReportError("Call of a built-in that does not exist (id %d)", id);
     return;
   }
+  if (Code().trace == CodeTrace::kExtended) Code_Trace("call " + entry->name);
   const CurrentFunction current(entry->name.c_str());
   if (argc < entry->argumentCount) {
     BorrowedArguments padded(args, argc, entry->argumentCount + kPaddedArguments);

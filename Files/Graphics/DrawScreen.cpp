@@ -32,12 +32,6 @@ ScreenState g_screen;
 uint32_t WindowClearColour() { return 0xFF000000 | SwapRedBlue(Graphics().windowColour); }
 void ClearTo(uint32_t colour) { Clear(colour, 1, 0, kClearAll); }
 
-void ViewOfWindow() {
-  const GraphicsState& g = Graphics();
-  SetViewport(0, 0, g.windowWidth, g.windowHeight);
-  SetView(0, 0, static_cast<float>(g.windowWidth), static_cast<float>(g.windowHeight), 0);
-}
-
 bool Drawable(const CInstance& instance) { return instance.Live() && instance.visible; }
 
 // Back to front, what an event adds or changes on the way included. before() runs ahead of the first one.
@@ -316,7 +310,7 @@ void DrawScreen() {
   if (!room) return;
   KeepApplicationSurface();
   g_screen.appSurfaceInUse = g_screen.appSurfaceEnabled;
-  ViewOfWindow();
+  Graphics_ViewOfWindow();
 
   bool clearPending = room->clearViews && g_screen.appSurfaceInUse;
   const auto clearOnce = [&clearPending] {
@@ -331,7 +325,7 @@ void DrawScreen() {
   DrawRoomInViews(*room);
   if (intoSurface) surface_reset_target();
 
-  ViewOfWindow();
+  Graphics_ViewOfWindow();
   clearOnce();
   WalkDrawEvent(ev_draw_post);
   if (!Surfaces().stack.empty()) {

@@ -1,5 +1,6 @@
 // Registry rows of display and window.
 #include "Files/Function/Function.h"
+#include "Files/Graphics/DebugOverlay.h"
 #include "Files/Graphics/Draw.h"
 #include "Files/Graphics/Graphics.h"
 #include "Files/Graphics/Registration.h"
@@ -83,6 +84,7 @@ void Function_AddWindow() {
       Builtin<&window_get_colour>("window_get_colour"),
       Builtin<&window_get_colour>("window_get_color"),
       Builtin<&window_set_cursor>("window_set_cursor"),
+      Builtin<&show_debug_overlay>("show_debug_overlay"),
   };
   Function_Add(kBuiltins);
 }

@@ -40,11 +40,6 @@ void ReadClientSize() {
   g_graphics.windowHeight = size.height;
 }
 
-void ViewOfWindow() {
-  SetViewport(0, 0, g_graphics.windowWidth, g_graphics.windowHeight);
-  SetView(0, 0, static_cast<float>(g_graphics.windowWidth), static_cast<float>(g_graphics.windowHeight), 0);
-}
-
 // The window takes the wished size and mode before the device follows it.
 void ApplyWindowWishes() {
   GraphicsState& g = g_graphics;
@@ -117,6 +112,11 @@ void DrawSplash(int32_t texture) {
 
 GraphicsState& Graphics() { return g_graphics; }
 
+void Graphics_ViewOfWindow() {
+  SetViewport(0, 0, g_graphics.windowWidth, g_graphics.windowHeight);
+  SetView(0, 0, static_cast<float>(g_graphics.windowWidth), static_cast<float>(g_graphics.windowHeight), 0);
+}
+
 bool GR_D3D_Init(std::unique_ptr<IRenderDevice> device) {
   GraphicsState& g = g_graphics;
   Graphics_Shutdown();
@@ -144,7 +144,7 @@ bool GR_D3D_Init(std::unique_ptr<IRenderDevice> device) {
   texture_set_repeat(false);
   RenderStates().ResendAll(*g.device);
   Clear(0, 1, 0, kClearAll);
-  ViewOfWindow();
+  Graphics_ViewOfWindow();
   const uint8_t white[4] = {255, 255, 255, 255};
   g.blankTexture = Texture_CreateFromPixels(1, 1, white, sizeof(white));
   Texture_DeviceArrived();
@@ -274,7 +274,7 @@ void Graphics_Splash(const char* file, void (*pump)()) {
     for (int round = 0; round < kSplashRounds; ++round) {
       if (round > 0) Platform_Get().clock->Sleep(kSplashRoundMicroseconds);
       BeginFrame();
-      ViewOfWindow();
+      Graphics_ViewOfWindow();
       draw_clear(c_black);
       DrawSplash(texture);
       EndFrame(true);

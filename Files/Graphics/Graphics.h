@@ -41,6 +41,7 @@ struct GraphicsState {
   int64_t lastSync = 0;     // microseconds, of the alternate method
   double syncError = 0;     // carried from frame to frame, microseconds
   int32_t bufferMethod = 0; // 0 ring, 1 list, 2 client memory
+  uint32_t overlay = 0;     // a sum of OverlayPart
 };
 GraphicsState& Graphics();
 
@@ -52,6 +53,7 @@ void Graphics_Reset();    // shutdown, and all state as before the start
 // Draw colour, text state and render states back to their start, as game_restart wants it.
 void Graphics_RestartGame();
 
+void Graphics_ViewOfWindow(); // viewport and view are the whole window, in its pixels
 void BeginFrame();
 void EndFrame(bool present);
 // Counts the settle counter down and resets the device when it comes to 1. Once a frame, before BeginFrame.

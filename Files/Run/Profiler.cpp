@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cinttypes>
 #include <cstring>
+#include <utility>
 #include <vector>
 
 namespace vesk {
@@ -18,11 +19,13 @@ struct Mark {
   int64_t calls = 0;
   int64_t total = 0; // microseconds
   int64_t longest = 0;
+  int64_t frame = 0; // of the frame in progress
 };
 
 struct ProfilerState {
   bool running = false;
   std::vector<Mark> marks; // few, in order of first use
+  std::vector<MarkTime> lastFrame;
   size_t current = SIZE_MAX;
   int64_t since = 0;
   int64_t frames = 0;
@@ -44,6 +47,7 @@ void EndMark() {
   const int64_t spent = Timing_Time() - state.since;
   ++mark.calls;
   mark.total += spent;
+  mark.frame += spent;
   mark.longest = std::max(mark.longest, spent);
   state.current = SIZE_MAX;
 }
@@ -71,11 +75,15 @@ void Profiler_EndFrame() {
   if (!state.running) return;
   EndMark();
   ++state.frames;
+  state.lastFrame.clear();
+  for (Mark& mark : state.marks) state.lastFrame.push_back({mark.name, std::exchange(mark.frame, 0)});
   if (state.dumpFile.empty() || state.frames != state.dumpAfter) return;
   std::string why;
   if (!File_WriteAll(state.dumpFile, Profiler_Text(), &why))
     ErrorConsole().Output("Profile: %s\n", why.c_str());
 }
+
+std::span<const MarkTime> Profiler_LastFrame() { return state.lastFrame; }
 
 std::string Profiler_Text() {
   std::vector<Mark> marks = state.marks;

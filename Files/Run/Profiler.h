@@ -1,6 +1,7 @@
 #pragma once
 // Time spent under each mark of the frame, and the dump of -profiledump. Game thread only.
 #include <cstdint>
+#include <span>
 #include <string>
 
 namespace vesk {
@@ -11,6 +12,12 @@ bool Profiler_Running();
 // Ends the running mark and begins the named one; the name must be a literal.
 void Profiler_Mark(const char* name);
 void Profiler_EndFrame();
+// What each mark took in the last whole frame, in order of first use; empty while the profiler stands.
+struct MarkTime {
+  const char* name;
+  int64_t microseconds;
+};
+std::span<const MarkTime> Profiler_LastFrame();
 // One line a mark: name, calls, total and mean microseconds, longest. Longest total first.
 std::string Profiler_Text();
 void Profiler_Reset();

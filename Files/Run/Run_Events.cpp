@@ -4,6 +4,7 @@
 #include "Files/Base/Error.h"
 #include "Files/Function/Function.h"
 #include "Files/Room/Room.h"
+#include "Files/Run/Event_Name.h"
 
 #include <string>
 
@@ -50,6 +51,9 @@ void PerformEvent(CInstance* self, CInstance* other, int32_t object, int32_t typ
   ++g_run.performDepth;
   const EventContext outer = g_run.event;
   g_run.event = {type, subtype, handler.owner};
+  if (vesk::Code().trace == CodeTrace::kExtended)
+    Code_Trace(Event_Name(type, subtype) + " of " + Object_Name(self->objectIndex) + " " +
+               std::to_string(self->id));
   RValue unused;
   Code_Execute(self, other, handler.event->code.get(), unused);
   g_run.event = outer;

@@ -2,6 +2,7 @@
 
 #include "Files/Base/Error.h"
 #include "Files/Function/Function_Data_Structures.h"
+#include "Files/Graphics/DebugOverlay.h"
 #include "Files/Graphics/DrawScreen.h"
 #include "Files/Graphics/Graphics.h"
 #include "Files/IO/Gamepad.h"
@@ -43,10 +44,12 @@ void RunBody() {
   BeginFrame();
   state.bodyStart = Timing_Time();
   RunFrameBody();
+  if (FrameBody().drawn) DebugOverlay_Draw();
   const int64_t spent = Timing_Time() - state.bodyStart;
   if (spent > 0) state.fpsReal = static_cast<float>(kSecond) / static_cast<float>(spent);
   Profiler_Mark("Present");
-  EndFrame(Rooms().request < 0 && Run().automaticDrawing);
+  // A body that ended early left the back buffer as an older frame had it: the window keeps its picture.
+  EndFrame(Rooms().request < 0 && Run().automaticDrawing && FrameBody().drawn);
 }
 
 // The frame body's neighbours

@@ -76,6 +76,7 @@ bool Draw() {
   RemoveMarked();
   if (Run().automaticDrawing) {
     Call(g_frame.services.drawScreen);
+    g_frame.drawn = true;
     CleanUpInstances();
   }
   return Rooms().request == kNoRoomRequest;
@@ -119,6 +120,7 @@ void Run_ResetFrameBody() {
 }
 
 void RunFrameBody() {
+  g_frame.drawn = false;
   if (!Enter() || !CurrentRoom()) return;
   if (Update() && Draw() && Scroll()) ++Rooms().frameCounter;
 }

@@ -36,6 +36,7 @@ struct FrameBodyState {
   StepInput input;
   int64_t lastEntry = -1; // time of the previous frame body, -1 before the first
   int64_t deltaTime = 0;  // delta_time, microseconds
+  bool drawn = false;     // the draw pass of the last frame body ran to its end
 };
 FrameBodyState& FrameBody();
 void Run_ResetFrameBody(); // keeps the services

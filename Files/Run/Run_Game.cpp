@@ -4,6 +4,7 @@
 #include "Files/Base/Error.h"
 #include "Files/Code/BuiltinAccess.h"
 #include "Files/Font/Font.h"
+#include "Files/Graphics/DebugOverlay.h"
 #include "Files/Graphics/Draw.h"
 #include "Files/Graphics/Graphics.h"
 #include "Files/Graphics/Surface.h"
@@ -49,7 +50,8 @@ void Run_Start() {
   DebugConsole().Output("**********************************.\n");
   LogMemory();
   const CommandLine& options = Options();
-  if (!settings.skipProfiler || !options.profileFile.empty())
+  const bool timesAreShown = (Graphics().overlay & kOverlayFrame) != 0;
+  if (!settings.skipProfiler || !options.profileFile.empty() || timesAreShown)
     Profiler_Start(options.profileFile, options.profileFrames);
 }
 

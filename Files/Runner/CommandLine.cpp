@@ -1,5 +1,7 @@
 #include "Files/Runner/CommandLine.h"
 
+#include "Files/Graphics/DebugOverlay.h"
+
 #include <algorithm>
 #include <cstdlib>
 
@@ -8,9 +10,6 @@ namespace vesk {
 namespace {
 
 CommandLine state;
-
-constexpr int32_t kDebugOverlay = 2;
-constexpr uint32_t kAudioOverlay = 16;
 
 // Walks the words; an option that asks for more than there are gets empty text.
 class Words {
@@ -27,6 +26,8 @@ private:
 
 struct OptionRow {
   const char* name;
+  const char* argument; // as the help names it
+  const char* help;
   void (*apply)(CommandLine& options, Words& words);
 };
 
@@ -34,44 +35,54 @@ template <auto Member> void Set(CommandLine& options, Words&) { options.*Member 
 template <auto Member> void Text(CommandLine& options, Words& words) { options.*Member = words.Take(); }
 
 constexpr OptionRow kOptions[] = {
-    {"-game", Text<&CommandLine::game>},
-    {"-exit", Text<&CommandLine::exitGame>},
-    {"-dir", Text<&CommandLine::directory>},
-    {"-debug",
+    {"-game", "FILE", "names the game file; the game inside the program only takes its name",
+     Text<&CommandLine::game>},
+    {"-exit", "FILE", "goes on with that game file when this game has ended", Text<&CommandLine::exitGame>},
+    {"-dir", "PATH", "is kept and read by nothing", Text<&CommandLine::directory>},
+    {"-debug", "", "debug mode, with rates, counts and times over the picture; not behind -game",
      [](CommandLine& options, Words&) {
        if (!options.game.empty()) return;
        options.debug = true;
-       options.overlayMode = kDebugOverlay;
+       options.overlay |= kOverlayFrame;
      }},
-    {"-trace", Set<&CommandLine::trace>},
-    {"-vmtrace", Set<&CommandLine::extendedTrace>},
-    {"-ext", Set<&CommandLine::noExternalCalls>},
-    {"-noerrors", Set<&CommandLine::noErrors>},
-    {"-oldexec", Set<&CommandLine::noExecution>},
-    {"-noaudio", Set<&CommandLine::noAudio>},
-    {"-inawindow", Set<&CommandLine::inAWindow>},
-    {"-record", Text<&CommandLine::record>},
-    {"-playback", Text<&CommandLine::playback>},
-    {"-software", Set<&CommandLine::softwareVertices>},
-    {"-intel", Set<&CommandLine::manualClear>},
-    {"-audiodebug", [](CommandLine& options, Words&) { options.overlayMask += kAudioOverlay; }},
-    {"-networkdebug", Set<&CommandLine::networkLog>},
-    {"-vanillaGFX", Set<&CommandLine::vanillaGraphics>},
-    {"-output", Text<&CommandLine::output>},
-    {"-debugoutput", Text<&CommandLine::debugOutput>},
-    {"-headless", Set<&CommandLine::headless>},
-    {"-profiledump",
+    {"-trace", "", "names every script and event that is entered on the debug channel",
+     Set<&CommandLine::trace>},
+    {"-vmtrace", "", "the same with depth, instances and built-ins called by index",
+     Set<&CommandLine::extendedTrace>},
+    {"-ext", "", "every call of an external library gives 0", Set<&CommandLine::noExternalCalls>},
+    {"-noerrors", "", "no error box", Set<&CommandLine::noErrors>},
+    {"-oldexec", "", "no script and no event runs", Set<&CommandLine::noExecution>},
+    {"-noaudio", "", "no sound", Set<&CommandLine::noAudio>},
+    {"-inawindow", "", "no full screen at the start", Set<&CommandLine::inAWindow>},
+    {"-record", "FILE", "writes keys, mouse and pads of every frame to it", Text<&CommandLine::record>},
+    {"-playback", "FILE", "plays such a record in place of the devices", Text<&CommandLine::playback>},
+    {"-software", "", "names software vertex processing in the log; the driver decides",
+     Set<&CommandLine::softwareVertices>},
+    {"-intel", "", "one batch a vertex buffer; clears need no help here", Set<&CommandLine::manualClear>},
+    {"-audiodebug", "", "the voices that play, over the picture",
+     [](CommandLine& options, Words&) { options.overlay |= kOverlayAudio; }},
+    {"-networkdebug", "", "without effect: there is no network layer to log", Set<&CommandLine::networkLog>},
+    {"-vanillaGFX", "", "without effect: no adapter is treated in a way of its own",
+     Set<&CommandLine::vanillaGraphics>},
+    {"-output", "FILE", "appends the release channel to it", Text<&CommandLine::output>},
+    {"-debugoutput", "FILE", "opens the debug channel and appends it to the file",
+     Text<&CommandLine::debugOutput>},
+    {"-headless", "", "no box, no splash, no console; ends at the start of the first room",
+     Set<&CommandLine::headless>},
+    {"-profiledump", "FILE COUNT", "writes what each stage took after so many frames",
      [](CommandLine& options, Words& words) {
        options.profileFile = words.Take();
        options.profileFrames = words.TakeNumber();
      }},
-    {"-sleepmargin",
+    {"-sleepmargin", "MILLISECONDS", "how much of each wait is spent awake",
      [](CommandLine& options, Words& words) { options.sleepMargin = std::max(words.TakeNumber(), 0); }},
-    {"-multivb", Set<&CommandLine::multipleVertexBuffers>},
-    {"-novb", Set<&CommandLine::noVertexBuffers>},
-    {"-compresstextures", Set<&CommandLine::compressTextures>},
-    {"-manualvsync", Set<&CommandLine::alternateSync>},
-    {"-nodirectinput", Set<&CommandLine::noDirectInput>},
+    {"-multivb", "", "one vertex buffer a batch", Set<&CommandLine::multipleVertexBuffers>},
+    {"-novb", "", "no vertex buffers", Set<&CommandLine::noVertexBuffers>},
+    {"-compresstextures", "", "without effect: textures are stored as they are",
+     Set<&CommandLine::compressTextures>},
+    {"-manualvsync", "", "frames are paced behind the picture instead of ahead of it",
+     Set<&CommandLine::alternateSync>},
+    {"-nodirectinput", "", "no joysticks; standard pads work", Set<&CommandLine::noDirectInput>},
 };
 
 constexpr std::string_view kLaunchPrefix = "fbplayer:";
@@ -119,6 +130,18 @@ std::string CommandLine_Join(const std::vector<std::string>& words) {
     line += quote ? "\"" + word + "\"" : word;
   }
   return line;
+}
+
+std::string CommandLine_Help() {
+  constexpr size_t kColumn = 28;
+  std::string text;
+  for (const OptionRow& option : kOptions) {
+    std::string line = std::string("  ") + option.name;
+    if (*option.argument) line += std::string(" ") + option.argument;
+    line.resize(std::max(line.size() + 1, kColumn), ' ');
+    text += line + option.help + "\n";
+  }
+  return text;
 }
 
 CommandLine CommandLine_Parse(std::string_view line, std::string_view knownGame) {

@@ -1,5 +1,7 @@
 #pragma once
 // The runner's own command line.
+#include "Platform/Window.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -13,10 +15,10 @@ struct CommandLine {
   std::string exitGame;
   std::string directory;
   bool debug = false;
-  int32_t overlayMode = 0;
-  uint32_t overlayMask = 0;
+  uint32_t overlay = 0; // a sum of OverlayPart
   bool trace = false;
   bool extendedTrace = false;
+  ScreenOrientations orientations; // of options.ini
   bool noExternalCalls = false;
   bool noErrors = false;
   bool noExecution = false; // -oldexec
@@ -48,6 +50,8 @@ void CommandLine_Reset();
 std::vector<std::string> CommandLine_Words(std::string_view line);
 // One line out of separate words, quoted where needed.
 std::string CommandLine_Join(const std::vector<std::string>& words);
+// One line an option: its name, what it takes, what it does.
+std::string CommandLine_Help();
 // All options anew from the line. `knownGame` is the file already found ("data.win" beside the program) or
 // empty.
 CommandLine CommandLine_Parse(std::string_view line, std::string_view knownGame);

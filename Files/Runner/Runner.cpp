@@ -65,6 +65,9 @@ void ParseCommandLine() {
   Error().showBox = !options.headless && !options.noErrors;
   Error().restarted = state.launchedByRestart;
   Code().execute = !options.noExecution;
+  if (options.networkLog) ReleaseConsole().Output("-networkdebug: there is no network layer to log\n");
+  if (options.vanillaGraphics)
+    ReleaseConsole().Output("-vanillaGFX: no adapter is treated in a way of its own anyway\n");
   if (options.headless) Crash_Install(&OnHeadlessFault);
   state.gameFile = options.game;
   state.nextGame = options.exitGame;

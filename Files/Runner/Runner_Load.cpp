@@ -4,6 +4,7 @@
 #include "Files/Base/Error.h"
 #include "Files/Code/BuiltinAccess.h"
 #include "Files/Code/Code.h"
+#include "Files/Graphics/DebugOverlay.h"
 #include "Files/Graphics/Draw.h"
 #include "Files/Graphics/Graphics.h"
 #include "Files/IO/Gamepad.h"
@@ -64,9 +65,11 @@ void ApplyIni(IniFile& ini) {
     options.sleepMargin = std::max(ini.ReadInt(kSection, "SleepMargin", 0), 0);
   if (ReadSwitch(ini, "Debug")) {
     options.debug = true;
-    options.overlayMode = 2;
+    options.overlay |= kOverlayFrame;
   }
   if (ReadSwitch(ini, "Trace")) options.trace = true;
+  options.orientations = {ReadSwitch(ini, "OrientLandscape"), ReadSwitch(ini, "OrientLandscapeFlipped"),
+                          ReadSwitch(ini, "OrientPortrait"), ReadSwitch(ini, "OrientPortraitFlipped")};
 }
 
 void LoadOptionsFile(const std::string& folder) {
@@ -224,6 +227,8 @@ void Runner_ApplyOptions() {
   Error().gameName = header.displayName;
   Game_SetIdentity(header.gameId, header.guid, header.displayName, header.name);
   Game().debugMode = options.debug;
+  if (options.trace) Code().trace = CodeTrace::kEntries;
+  if (options.extendedTrace) Code().trace = CodeTrace::kExtended;
   Error().allFatal = (records.flags & container::kOptionAbortOnError) != 0;
   Files_Locations().saveArea = Runner_SavePrefix();
 
@@ -252,6 +257,7 @@ void Runner_ApplyOptions() {
   if (options.alternateSync) graphics.alternateSync = true;
   if (options.multipleVertexBuffers) graphics.bufferMethod = 1;
   if (options.noVertexBuffers) graphics.bufferMethod = 2;
+  graphics.overlay = options.overlay;
 }
 
 } // namespace vesk

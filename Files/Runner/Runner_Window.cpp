@@ -68,6 +68,7 @@ bool Runner_CreateWindow() {
   settings.fullscreen = wantsFullscreen && !Options().inAWindow;
   settings.cursorVisible = Run_Settings().showCursor;
   settings.display = Runner_WantedDisplay(Load().records.options);
+  settings.orientations = Options().orientations;
   const MainWindowWish wish{{header.windowWidth, header.windowHeight},
                             settings.borderless,
                             (header.flags & container::kHeaderKeepAspect) != 0};

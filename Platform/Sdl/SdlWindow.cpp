@@ -55,6 +55,22 @@ bool CSdlWindow::Unseen() const {
   return driver && (std::strcmp(driver, "offscreen") == 0 || std::strcmp(driver, "dummy") == 0);
 }
 
+namespace {
+
+std::string OrientationNames(const ScreenOrientations& allowed) {
+  std::string names;
+  const auto add = [&names](bool on, const char* name) {
+    if (on) names += (names.empty() ? "" : " ") + std::string(name);
+  };
+  add(allowed.landscape, "LandscapeLeft");
+  add(allowed.landscapeFlipped, "LandscapeRight");
+  add(allowed.portrait, "Portrait");
+  add(allowed.portraitFlipped, "PortraitUpsideDown");
+  return names;
+}
+
+} // namespace
+
 bool CSdlWindow::Create(const WindowSettings& settings) {
   Destroy();
   if (!StartVideo()) {
@@ -69,6 +85,7 @@ bool CSdlWindow::Create(const WindowSettings& settings) {
   SDL_GL_SetAttribute(SDL_GL_BLUE_SIZE, 8);
   SDL_GL_SetAttribute(SDL_GL_DEPTH_SIZE, 0);
   SDL_GL_SetAttribute(SDL_GL_DOUBLEBUFFER, 1);
+  SDL_SetHint(SDL_HINT_ORIENTATIONS, OrientationNames(settings.orientations).c_str());
   Uint32 flags = 0;
   if (settings.borderless) flags |= SDL_WINDOW_BORDERLESS;
   if (settings.resizable) flags |= SDL_WINDOW_RESIZABLE;

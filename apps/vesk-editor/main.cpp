@@ -19,10 +19,6 @@ namespace {
 using namespace vesk;
 
 constexpr const char* kVersion = "Vesk Editor 1.0.0";
-constexpr const char* kRunnerOptions = "Options of the runner, each one word with one dash, such as "
-                                       "-inawindow, -noaudio, -noerrors, -headless,\n"
-                                       "-record FILE, -playback FILE, -output FILE, -debugoutput FILE, "
-                                       "-sleepmargin MILLISECONDS, are passed on.";
 
 // Words with two dashes are the program's own, with what they take; all others go to the runner as they
 // stand.
@@ -72,7 +68,11 @@ int Play(const std::string& level, const std::vector<std::string>& runnerWords) 
 int main(int argc, char** argv) {
   Words words = Separate(argc, argv);
   CLI::App app("Vesk Editor: a platform game with its level editor.", "vesk-editor");
-  app.footer(kRunnerOptions);
+  app.footer(
+      "Options of the runner, each one word with one dash:\n" + CommandLine_Help() +
+      "\noptions.ini beside the game, [Windows]: CreateTexturesOnDemand, VertexBufferMethod (0 to 2),\n"
+      "AlternateSyncMethod, SleepMargin. [DEFAULT]: Debug, Trace; OrientLandscape, OrientPortrait and\n"
+      "their Flipped forms say how a screen that turns may be held.");
   app.set_help_flag("--help", "Prints this text");
   app.set_version_flag("--version", kVersion, "Prints the version");
   std::string level;

@@ -79,11 +79,11 @@ TEST(CommandLine, AGameOnTheLineReplacesTheOneThatWasFound) {
 
 TEST(CommandLine, DebugModeNeedsThatNoGameIsKnownYet) {
   EXPECT_TRUE(CommandLine_Parse("-debug", "").debug);
-  EXPECT_EQ(CommandLine_Parse("-debug", "").overlayMode, 2);
+  EXPECT_EQ(CommandLine_Parse("-debug", "").overlay, 2u);
   EXPECT_FALSE(CommandLine_Parse("-debug", "data.win").debug);
   EXPECT_FALSE(CommandLine_Parse("-game x -debug", "").debug);
   EXPECT_TRUE(CommandLine_Parse("-debug -game x", "").debug);
-  EXPECT_EQ(CommandLine_Parse("-audiodebug", "").overlayMask, 16u);
+  EXPECT_EQ(CommandLine_Parse("-audiodebug -audiodebug -debug", "").overlay, 18u);
 }
 
 TEST(CommandLine, NumbersAreReadAndTheMarginIsNeverNegative) {

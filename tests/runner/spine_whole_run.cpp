@@ -5,6 +5,7 @@
 #include "Files/Code/Self.h"
 #include "Files/Font/Font.h"
 #include "Files/Graphics/Draw.h"
+#include "Files/Graphics/RenderState.h"
 #include "Files/Graphics_API/RecordingDevice.h"
 #include "Files/IO/IO_Functions.h"
 #include "Files/Object/Function_Instance.h"
@@ -370,4 +371,137 @@ TEST(MainWindow, IsCutToTheDesktopAndKeepsItsShapeWhenAsked) {
   EXPECT_EQ(fit({500, 800}, false, false), std::pair(500, 570));
   EXPECT_EQ(fit({500, 800}, true, false), std::pair(500, 600));
   EXPECT_EQ(fit({500, 800}, true, true), std::pair(375, 600));
+}
+
+// ---- what the window shows ----
+
+namespace {
+
+// A run whose device is watched.
+class ShownRun : public WholeRun {
+protected:
+  void Open(const std::string& line) {
+    RunnerSetup setup = Setup(line);
+    setup.makeDevice = [this] {
+      auto made = std::make_unique<CRecordingDevice>(true);
+      device = made.get();
+      return made;
+    };
+    Runner_Begin(std::move(setup));
+    ASSERT_TRUE(Runner_Open()) << Load().error;
+  }
+  int64_t PresentsOf(int passes) {
+    const int64_t before = device->presents;
+    for (int pass = 0; pass < passes; ++pass) Runner_Pass();
+    return device->presents - before;
+  }
+  size_t DrawsOfAPass() {
+    device->Forget();
+    Runner_Pass();
+    return device->Draws().size();
+  }
+  void GiveFocus(bool active) {
+    Message message;
+    message.kind = MessageKind::Activate;
+    message.active = active;
+    hand.messages.Post(message);
+  }
+  CRecordingDevice* device = nullptr;
+};
+
+} // namespace
+
+TEST_F(ShownRun, AFrozenGameKeepsThePictureThatItShows) {
+  pack::Game game;
+  game.options.flags |= 0x8000; // freeze without focus
+  game.objects.push_back({});
+  game.rooms.push_back({});
+  container = pack::Write(game);
+  Open("-noaudio");
+  EXPECT_EQ(PresentsOf(3), 3);
+  GiveFocus(false);
+  PresentsOf(1); // hears of it while it waits
+  const int64_t frames = Rooms().frameCounter;
+  EXPECT_EQ(PresentsOf(5), 0) << "nothing was drawn that could be shown";
+  EXPECT_EQ(Rooms().frameCounter, frames);
+  GiveFocus(true);
+  PresentsOf(1);
+  EXPECT_EQ(PresentsOf(3), 3);
+  Runner_Close();
+}
+
+TEST_F(ShownRun, AFrameThatEndsTheGameShowsNothing) {
+  Open("-noaudio");
+  EXPECT_EQ(PresentsOf(2), 2);
+  hand.messages.KeyAlone('E', true); // a step asks for the end, so the draw pass doesn't come
+  EXPECT_EQ(PresentsOf(2), 0);
+  EXPECT_FALSE(Loop().running);
+  Runner_Close();
+}
+
+TEST_F(ShownRun, TheOverlayShowsFrameAndAudioWhenAskedTo) {
+  const auto drawn = [this](const std::string& line) {
+    Open(line);
+    Runner_Pass(); // the stages of one frame are known from here on
+    const size_t draws = DrawsOfAPass();
+    Runner_Close();
+    return draws;
+  };
+  const size_t plain = drawn("-noaudio");
+  EXPECT_GT(drawn("-noaudio -debug"), plain);
+  EXPECT_GT(drawn("-noaudio -audiodebug"), plain);
+  EXPECT_EQ(drawn("-noaudio -game x.win -debug"), plain);
+  ASSERT_TRUE(File_WriteAll(folder + "options.ini", "[DEFAULT]\nDebug=1\n"));
+  EXPECT_GT(drawn("-noaudio"), plain);
+}
+
+TEST_F(ShownRun, TheOverlayLeavesTheDrawingStateAlone) {
+  Open("-noaudio -debug -audiodebug");
+  draw_set_colour(c_red);
+  draw_set_alpha(0.5f);
+  draw_set_halign(fa_right);
+  draw_set_blend_mode(bm_add);
+  const uint32_t blend = RenderStates().RenderState(kStateDestinationBlend);
+  Runner_Pass();
+  EXPECT_EQ(draw_get_colour(), c_red);
+  EXPECT_FLOAT_EQ(draw_get_alpha(), 127 / 255.0f);
+  EXPECT_EQ(draw_get_halign(), fa_right);
+  EXPECT_EQ(RenderStates().RenderState(kStateDestinationBlend), blend);
+  Runner_Close();
+}
+
+// ---- traces and the options of screens that turn ----
+
+TEST_F(WholeRun, TracesNameTheCodeThatRuns) {
+  const auto traced = [this](const std::string& line) {
+    std::filesystem::remove(folder + "debug.txt");
+    Runner_Begin(Setup("-noaudio -debugoutput " + folder + "debug.txt " + line));
+    EXPECT_TRUE(Runner_Open());
+    Runner_Pass();
+    Runner_Close();
+    std::string log;
+    EXPECT_TRUE(File_ReadAll(folder + "debug.txt", log));
+    return log;
+  };
+  const std::string entered = "\nfbl_Object_obj_one_Step_0\n", event = "\nStep Event of obj_one 100000\n";
+  EXPECT_THAT(traced(""), testing::Not(testing::HasSubstr(entered)));
+  const std::string plain = traced("-trace");
+  EXPECT_THAT(plain, testing::HasSubstr(entered));
+  EXPECT_THAT(plain, testing::Not(testing::HasSubstr(event)));
+  EXPECT_THAT(traced("-vmtrace"), testing::HasSubstr(event + "  fbl_Object_obj_one_Step_0\n"));
+  ASSERT_TRUE(File_WriteAll(folder + "options.ini", "[DEFAULT]\nTrace=True\n"));
+  EXPECT_THAT(traced(""), testing::HasSubstr(entered));
+}
+
+TEST_F(WholeRun, TheWindowHearsHowTheScreenMayBeHeld) {
+  ASSERT_TRUE(File_WriteAll(folder + "options.ini", "[DEFAULT]\nOrientLandscape=True\nOrientPortrait=False\n"
+                                                    "OrientPortraitFlipped=1\n"));
+  Runner_Begin(Setup("-noaudio"));
+  ASSERT_TRUE(Runner_Open());
+  const ScreenOrientations& allowed = hand.window.Settings().orientations;
+  EXPECT_TRUE(allowed.landscape);
+  EXPECT_FALSE(allowed.landscapeFlipped);
+  EXPECT_FALSE(allowed.portrait);
+  EXPECT_TRUE(allowed.portraitFlipped);
+  Runner_Close();
 }
