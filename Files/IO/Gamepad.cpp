@@ -87,6 +87,7 @@ void Release(size_t at) {
   pad.description.clear();
   pad.mapping = -1;
   ClearValues(pad);
+  if (at >= kStandardPads) state.freeRaw.push_back(at);
   SetConnected(at, false);
 }
 
@@ -97,12 +98,6 @@ void ReleaseGone(const std::vector<PadInfo>& present) {
                                    [&](const PadInfo& info) { return info.device == device; });
     if (device >= 0 && !there) Release(at);
   }
-}
-
-size_t FreeSlot(size_t from, size_t to) {
-  for (size_t at = from; at < std::min(to, state.pads.size()); ++at)
-    if (state.pads[at].device < 0) return at;
-  return state.pads.size();
 }
 
 void Take(size_t at, const PadInfo& info, bool standard) {
@@ -119,16 +114,13 @@ void Take(size_t at, const PadInfo& info, bool standard) {
 }
 
 void Place(const PadInfo& info) {
-  constexpr size_t kStandard = kStandardPads;
-  const size_t none = state.pads.size();
-  size_t at = info.standard ? FreeSlot(0, kStandard) : none;
-  if (at != none) {
-    Take(at, info, true);
-    return;
-  }
+  for (size_t at = 0; info.standard && at < kStandardPads; ++at)
+    if (state.pads[at].device < 0) return Take(at, info, true);
   // A fifth pad of the common kind is better served raw than not at all.
-  at = FreeSlot(kStandard, none);
-  if (at != none) Take(at, info, false);
+  if (state.freeRaw.empty()) return;
+  const size_t at = state.freeRaw.back();
+  state.freeRaw.pop_back();
+  Take(at, info, false);
 }
 
 // Polling
@@ -264,11 +256,10 @@ void Gamepad_Init() {
 }
 
 void Gamepad_Open(bool rawSlots) {
-  state.pads.clear();
-  for (int32_t pad = 0; pad < kStandardPads; ++pad)
-    state.pads.push_back(MakePad(kStandardButtons, kStandardAxes));
-  if (rawSlots)
-    for (int32_t pad = 0; pad < kRawPads; ++pad) state.pads.push_back(MakePad(kRawButtonRoom, kRawAxisRoom));
+  state.pads.assign(kStandardPads, MakePad(kStandardButtons, kStandardAxes));
+  if (rawSlots) state.pads.resize(kStandardPads + kRawPads, MakePad(kRawButtonRoom, kRawAxisRoom));
+  state.freeRaw.clear();
+  for (size_t at = state.pads.size(); at > kStandardPads; --at) state.freeRaw.push_back(at - 1);
   state.started = true;
   Gamepad_DevicesChanged();
 }

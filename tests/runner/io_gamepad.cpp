@@ -81,6 +81,23 @@ TEST_F(Pads, SlotsAreTakenInOrderKeptAndGivenBack) {
   }
 }
 
+TEST_F(Pads, TheRawSlotGivenBackLastIsTakenFirst) {
+  const int32_t first = Attach(false), second = Attach(false);
+  Attach(false);
+  Gamepad_Open(true);
+  hand.pads.Detach(first);
+  Gamepad_DevicesChanged();
+  hand.pads.Detach(second);
+  Gamepad_DevicesChanged();
+  announced.clear();
+  for (int count = 0; count < 3; ++count) Attach(false);
+  Gamepad_DevicesChanged();
+  EXPECT_EQ(announced, "+5 +4 +7 ");
+  for (int count = 0; count < 10; ++count) Attach(false);
+  Gamepad_DevicesChanged();
+  EXPECT_EQ(announced, "+5 +4 +7 +8 +9 +10 +11 ") << "no slot is left for the others";
+}
+
 TEST_F(Pads, WithoutRawSlotsOtherDevicesAreLeftOut) {
   Attach(false);
   Gamepad_Open(false);
