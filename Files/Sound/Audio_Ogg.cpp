@@ -195,8 +195,9 @@ struct COggAudio::Channel {
   Request next;           // under the lock
   bool paused = false;    // under the lock: what is playing, or is about to, stands still
 
+  std::atomic<bool> active{false}; // changed under the lock, from the play request until it falls idle
+
   // Written by the worker alone.
-  std::atomic<bool> active{false};      // and set by the request
   std::atomic<double> baseSeconds{0};   // where the first buffer since the start or the last seek began
   std::atomic<int64_t> framesPlayed{0}; // of buffers finished since then
   std::atomic<int> rate{0};
@@ -274,6 +275,8 @@ bool COggAudio::PlaySound(int source, AudioSound& sound, bool loop, double start
   }
   Wake(source);
   if (!WorkerOf(source).failed) return true;
+  const CLock lock(WorkerOf(source).lock);
+  channel.next = {};
   channel.active = false;
   return false;
 }
@@ -363,15 +366,22 @@ void COggAudio::Act(Channel& channel, const Request& request) {
   if (request.command & kPlay)
     Begin(channel, request);
   else if (request.command & kStop)
-    channel.active = false;
+    FallIdle(channel);
   else if ((request.command & kSeek) && channel.playState != PlayState::Idle) {
     Drain(channel);
+    if (channel.playState == PlayState::Draining) channel.playState = PlayState::Once;
     if (const int error = channel.decoder.SeekSeconds(request.seekSeconds); error != 0)
       Audio_Log("ov_time_seek error %d\n", error);
     channel.silentFrame = static_cast<int64_t>(request.seekSeconds * channel.rate);
     channel.baseSeconds = request.seekSeconds;
     Restart(channel);
   }
+}
+
+// A play that was asked for meanwhile keeps the channel awake.
+void COggAudio::FallIdle(Channel& channel) {
+  const CLock lock(*channel.lock);
+  if (!(channel.next.command & kPlay)) channel.active = false;
 }
 
 bool COggAudio::Open(Channel& channel, const AudioSound& sound) {
@@ -391,7 +401,7 @@ bool COggAudio::Open(Channel& channel, const AudioSound& sound) {
 void COggAudio::Begin(Channel& channel, const Request& request) {
   if (!Open(channel, *request.sound)) {
     channel.decoder.Close();
-    channel.active = false;
+    FallIdle(channel);
     return;
   }
   if (channel.buffers[0] == 0) alGenBuffers(2, channel.buffers.data());
@@ -427,7 +437,7 @@ void COggAudio::Restart(Channel& channel) {
   channel.framesPlayed = 0;
   if (Fill(channel, channel.buffers[0]) == 0) {
     End(channel);
-    channel.active = false;
+    FallIdle(channel);
     return;
   }
   const int queued = Fill(channel, channel.buffers[1]) > 0 ? 2 : 1;
@@ -482,7 +492,7 @@ void COggAudio::Refill(Channel& channel) {
     Play(channel); // it ran out of data
   } else if (channel.playState == PlayState::Draining) {
     End(channel);
-    channel.active = false;
+    FallIdle(channel);
   }
 }
 

@@ -86,6 +86,7 @@ private:
   void Act(Channel& channel, const Request& request);
   void Begin(Channel& channel, const Request& request);
   bool Open(Channel& channel, const AudioSound& sound);
+  void FallIdle(Channel& channel);
   void End(Channel& channel);
   void Drain(Channel& channel);
   void Restart(Channel& channel);
