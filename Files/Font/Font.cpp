@@ -67,7 +67,7 @@ std::unique_ptr<CFontFb> MakeSpriteFont(const CSprite& sprite, std::u16string ch
   }
   std::stable_sort(font->glyphs.begin(), font->glyphs.end(),
                    [](const Glyph& a, const Glyph& b) { return a.character < b.character; });
-  font->first = font->glyphs.front().character;
+  font->first = font->glyphs.empty() ? 0 : font->glyphs.front().character; // a blank without a frame
   font->last = font->first + static_cast<int32_t>(font->glyphs.size());
   return font;
 }

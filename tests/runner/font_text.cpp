@@ -31,6 +31,17 @@ struct FontStage : RecordingStage {
   }
 };
 
+TEST(SpriteFont, OfASpriteWithoutFrames) {
+  RecordingStage stage;
+  const int nothing = stage.Sprite(8, 10, {});
+  draw_set_font(
+      font_add_sprite_ext(nothing, "a ", true, 0)); // a blank is asked for, and there is no frame for it
+  EXPECT_EQ(string_width("a a"), 0);
+  draw_text(0, 0, "a a");
+  draw_set_font(font_add_sprite_ext(nothing, "a", true, 0));
+  EXPECT_EQ(string_height("a"), 10);
+}
+
 TEST(SpriteFont, AdvancesOffsetsAndTheBlank) {
   FontStage stage;
   const CFontFb& font = *Font_Find(stage.font);
