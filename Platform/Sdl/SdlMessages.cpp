@@ -6,6 +6,7 @@ namespace vesk {
 namespace {
 
 constexpr int32_t kWheelNotch = 120;
+constexpr int kLeftAlt = 164;
 
 } // namespace
 
@@ -65,6 +66,7 @@ void CSdlMessages::Take(const SDL_Event& event) {
   case SDL_KEYDOWN:
   case SDL_KEYUP: TakeKey(event.key); return;
   case SDL_TEXTINPUT:
+    if (m_statesNow.Held(kLeftAlt)) return; // part of a system key; the right one types on many layouts
     for (const char16_t unit : Text_ToUtf16(event.text.text)) PostCharacter(unit);
     return;
   case SDL_MOUSEMOTION:

@@ -141,6 +141,26 @@ TEST_F(Desktop, KeysTextAndMouseArriveInOrder) {
   EXPECT_FALSE(all[11].active);
 }
 
+TEST_F(Desktop, TextUnderAltIsNoText) {
+  ASSERT_TRUE(Open({64, 64}));
+  SDL_Event text{};
+  text.type = SDL_TEXTINPUT;
+  SDL_strlcpy(text.text.text, "@", sizeof text.text.text);
+  PushKey(SDL_SCANCODE_LALT, SDLK_LALT, true, KMOD_LALT);
+  PushKey(SDL_SCANCODE_R, SDLK_r, true, KMOD_LALT);
+  SDL_PushEvent(&text);
+  PushKey(SDL_SCANCODE_LALT, SDLK_LALT, false, 0);
+  auto all = Drain();
+  ASSERT_EQ(all.size(), 3u);
+  EXPECT_TRUE(all[1].system);
+  // The right alt key types on many layouts.
+  PushKey(SDL_SCANCODE_RALT, SDLK_RALT, true, KMOD_RALT);
+  SDL_PushEvent(&text);
+  all = Drain();
+  ASSERT_EQ(all.size(), 2u);
+  EXPECT_EQ(all[1].character, u'@');
+}
+
 TEST_F(Desktop, InjectedKeysComeBackWithTheirText) {
   ASSERT_TRUE(Open({64, 64}));
   platform.messages->InjectKey('X', true);
