@@ -5,6 +5,7 @@
 #include "Files/Base/Error.h"
 #include "Files/Graphics/Graphics.h"
 #include "Files/Graphics/OutsideImage.h"
+#include "Files/Graphics/PageDraw.h"
 #include "Files/Graphics/Surface.h"
 #include "Files/Graphics/Texture.h"
 
@@ -82,9 +83,7 @@ void SetImage(CBackground& background, std::vector<uint8_t> pixels, int32_t widt
   const int32_t texture =
       Texture_CreateFromPixels(width, height, pixels.data(), static_cast<uint32_t>(pixels.size()));
   if (background.preload) Texture_Preload(texture);
-  const auto w = static_cast<uint16_t>(width), h = static_cast<uint16_t>(height);
-  background.owned =
-      std::make_unique<PageEntry>(PageEntry{0, 0, w, h, 0, 0, w, h, w, h, static_cast<int16_t>(texture)});
+  background.owned = std::make_unique<PageEntry>(Page_OfTexture(texture, width, height));
   background.page = background.owned.get();
   background.width = width;
   background.height = height;

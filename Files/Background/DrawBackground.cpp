@@ -17,8 +17,6 @@ const PageEntry* Find(int32_t background, const CBackground** found = nullptr) {
   return it ? it->page : nullptr;
 }
 
-uint32_t Word(int32_t colour, float alpha) { return ColourWord(static_cast<uint32_t>(colour), alpha); }
-
 // By registry, with the last argument left out or given.
 int32_t CreateFromSurface(int32_t surface, int32_t x, int32_t y, int32_t width, int32_t height,
                           bool removeback, bool smooth, Args rest) {
@@ -69,13 +67,10 @@ void draw_background_stretched_ext(int32_t background, float x, float y, float w
                                    int32_t colour, float alpha) {
   const CBackground* it = nullptr;
   const PageEntry* entry = Find(background, &it);
-  if (!entry || !(width > 0) || !(height > 0) || it->width <= 0 || it->height <= 0) return;
-  Page_DrawExt(*entry, {.x = x,
-                        .y = y,
-                        .xscale = width / static_cast<float>(it->width),
-                        .yscale = height / static_cast<float>(it->height),
-                        .colour = static_cast<uint32_t>(colour),
-                        .alpha = alpha});
+  if (entry)
+    Page_DrawStretched(*entry, it->width, it->height,
+                       {.x = x, .y = y, .colour = static_cast<uint32_t>(colour), .alpha = alpha}, width,
+                       height);
 }
 
 void draw_background_tiled(int32_t background, float x, float y) {
@@ -99,10 +94,9 @@ void draw_background_general(int32_t background, float left, float top, float wi
                              float y, float xscale, float yscale, float rotation, int32_t colour1,
                              int32_t colour2, int32_t colour3, int32_t colour4, float alpha) {
   if (const PageEntry* entry = Find(background))
-    Page_DrawGeneral(
-        *entry, {left, top, width, height},
-        {.x = x, .y = y, .xscale = xscale, .yscale = yscale, .rotation = rotation},
-        {Word(colour1, alpha), Word(colour2, alpha), Word(colour3, alpha), Word(colour4, alpha)});
+    Page_DrawGeneral(*entry, {left, top, width, height},
+                     {.x = x, .y = y, .xscale = xscale, .yscale = yscale, .rotation = rotation},
+                     CornerWords(colour1, colour2, colour3, colour4, alpha));
 }
 
 void Function_AddBackground() {

@@ -249,11 +249,6 @@ void DrawTransformed(const TextBlock& block, float x, float y, float xscale, flo
   }
 }
 
-CornerColours Gradient(int32_t colour1, int32_t colour2, int32_t colour3, int32_t colour4, float alpha) {
-  const auto word = [alpha](int32_t colour) { return ColourWord(static_cast<uint32_t>(colour), alpha); };
-  return {word(colour1), word(colour2), word(colour3), word(colour4)};
-}
-
 } // namespace
 
 std::vector<std::u16string> SplitLines(const CFontFb& font, std::string_view text, int32_t width) {
@@ -305,7 +300,7 @@ void draw_text_colour(float x, float y, const RValue& value, int32_t colour1, in
 
 void draw_text_ext_colour(float x, float y, const RValue& value, int32_t separation, int32_t width,
                           int32_t colour1, int32_t colour2, int32_t colour3, int32_t colour4, float alpha) {
-  const CornerColours gradient = Gradient(colour1, colour2, colour3, colour4, alpha);
+  const CornerColours gradient = CornerWords(colour1, colour2, colour3, colour4, alpha);
   DrawStraight(Layout(ValueAsText(value), separation, width), x, y, ColourPen(gradient));
 }
 
@@ -319,7 +314,7 @@ void draw_text_transformed_colour(float x, float y, const RValue& value, float x
 void draw_text_ext_transformed_colour(float x, float y, const RValue& value, int32_t separation,
                                       int32_t width, float xscale, float yscale, float angle, int32_t colour1,
                                       int32_t colour2, int32_t colour3, int32_t colour4, float alpha) {
-  const CornerColours gradient = Gradient(colour1, colour2, colour3, colour4, alpha);
+  const CornerColours gradient = CornerWords(colour1, colour2, colour3, colour4, alpha);
   DrawTransformed(Layout(ValueAsText(value), separation, width), x, y, xscale, yscale, angle,
                   ColourPen(gradient));
 }

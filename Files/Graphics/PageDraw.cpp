@@ -94,6 +94,12 @@ PageEntry Page_OfTexture(int32_t texture, int32_t width, int32_t height) {
   return {0, 0, w, h, 0, 0, w, h, w, h, static_cast<int16_t>(texture)};
 }
 
+CornerColours CornerWords(int32_t leftTop, int32_t rightTop, int32_t rightBottom, int32_t leftBottom,
+                          float alpha) {
+  const auto word = [alpha](int32_t colour) { return ColourWord(static_cast<uint32_t>(colour), alpha); };
+  return {word(leftTop), word(rightTop), word(rightBottom), word(leftBottom)};
+}
+
 bool Page_Draw(const PageEntry& entry, float x, float y, float originX, float originY, float alpha) {
   const TextureSlot* page = Page(entry);
   if (!page) return false;
@@ -115,6 +121,15 @@ bool Page_DrawExt(const PageEntry& entry, const PagePlace& place) {
   DrawBox(page->handle, place.x, place.y, at, ToRadians(place.rotation), TextureBox(entry, *page),
           Corners(ColourWord(place.colour, place.alpha)));
   return true;
+}
+
+bool Page_DrawStretched(const PageEntry& entry, int32_t frameWidth, int32_t frameHeight, PagePlace place,
+                        float width, float height) {
+  if (!(width > 0) || !(height > 0) || frameWidth <= 0 || frameHeight <= 0) return true;
+  place.originX = place.originY = place.rotation = 0;
+  place.xscale = width / static_cast<float>(frameWidth);
+  place.yscale = height / static_cast<float>(frameHeight);
+  return Page_DrawExt(entry, place);
 }
 
 bool Page_DrawPart(const PageEntry& entry, const PagePart& part, const PagePlace& place) {

@@ -27,9 +27,16 @@ struct PagePart { // pixels of the full frame
 };
 
 using CornerColours = std::array<uint32_t, 4>; // ARGB: left top, right top, right bottom, left bottom
+// From colours in script order and one alpha.
+CornerColours CornerWords(int32_t leftTop, int32_t rightTop, int32_t rightBottom, int32_t leftBottom,
+                          float alpha);
 
 bool Page_Draw(const PageEntry& entry, float x, float y, float originX, float originY, float alpha);
 bool Page_DrawExt(const PageEntry& entry, const PagePlace& place);
+// The whole frame of that size over a box of `width` by `height` from the place's x and y; its scale, origin
+// and rotation don't count. Nothing is drawn over a box without an area.
+bool Page_DrawStretched(const PageEntry& entry, int32_t frameWidth, int32_t frameHeight, PagePlace place,
+                        float width, float height);
 // The origin doesn't count. True also when only cropped pixels were asked for.
 bool Page_DrawPart(const PageEntry& entry, const PagePart& part, const PagePlace& place);
 bool Page_DrawGeneral(const PageEntry& entry, const PagePart& part, const PagePlace& place,

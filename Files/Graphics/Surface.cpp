@@ -359,14 +359,10 @@ void draw_surface_stretched(int32_t id, float x, float y, float width, float hei
 
 void draw_surface_stretched_ext(int32_t id, float x, float y, float width, float height, int32_t colour,
                                 float alpha) {
-  const SurfaceRecord* surface = FindToDraw(id);
-  if (!surface || !(width > 0) || !(height > 0)) return;
-  Page_DrawExt(EntryOf(*surface), {.x = x,
-                                   .y = y,
-                                   .xscale = width / static_cast<float>(surface->width),
-                                   .yscale = height / static_cast<float>(surface->height),
-                                   .colour = static_cast<uint32_t>(colour),
-                                   .alpha = alpha});
+  if (const SurfaceRecord* surface = FindToDraw(id))
+    Page_DrawStretched(EntryOf(*surface), surface->width, surface->height,
+                       {.x = x, .y = y, .colour = static_cast<uint32_t>(colour), .alpha = alpha}, width,
+                       height);
 }
 
 void draw_surface_tiled(int32_t id, float x, float y) {
@@ -389,12 +385,10 @@ void draw_surface_tiled_ext(int32_t id, float x, float y, float xscale, float ys
 void draw_surface_general(int32_t id, float left, float top, float width, float height, float x, float y,
                           float xscale, float yscale, float rotation, int32_t colour1, int32_t colour2,
                           int32_t colour3, int32_t colour4, float alpha) {
-  const SurfaceRecord* surface = FindToDraw(id);
-  if (!surface) return;
-  const auto word = [alpha](int32_t colour) { return ColourWord(static_cast<uint32_t>(colour), alpha); };
-  Page_DrawGeneral(EntryOf(*surface), {left, top, width, height},
-                   {.x = x, .y = y, .xscale = xscale, .yscale = yscale, .rotation = rotation},
-                   {word(colour1), word(colour2), word(colour3), word(colour4)});
+  if (const SurfaceRecord* surface = FindToDraw(id))
+    Page_DrawGeneral(EntryOf(*surface), {left, top, width, height},
+                     {.x = x, .y = y, .xscale = xscale, .yscale = yscale, .rotation = rotation},
+                     CornerWords(colour1, colour2, colour3, colour4, alpha));
 }
 
 void Function_AddSurface() {

@@ -137,14 +137,11 @@ void draw_sprite_stretched(CInstance* self, int32_t sprite, int32_t image, float
 
 void draw_sprite_stretched_ext(CInstance* self, int32_t sprite, int32_t image, float x, float y, float width,
                                float height, int32_t colour, float alpha) {
-  const Picture it = Find(self, sprite, image);
-  if (!it || !(width > 0) || !(height > 0) || it.sprite->width <= 0 || it.sprite->height <= 0) return;
-  Check(*it.sprite, Page_DrawExt(*it.entry, {.x = x,
-                                             .y = y,
-                                             .xscale = width / static_cast<float>(it.sprite->width),
-                                             .yscale = height / static_cast<float>(it.sprite->height),
-                                             .colour = static_cast<uint32_t>(colour),
-                                             .alpha = alpha}));
+  if (const Picture it = Find(self, sprite, image))
+    Check(*it.sprite,
+          Page_DrawStretched(*it.entry, it.sprite->width, it.sprite->height,
+                             {.x = x, .y = y, .colour = static_cast<uint32_t>(colour), .alpha = alpha}, width,
+                             height));
 }
 
 void draw_sprite_tiled(CInstance* self, int32_t sprite, int32_t image, float x, float y) {
@@ -171,11 +168,10 @@ void draw_sprite_general(CInstance* self, int32_t sprite, int32_t image, float l
                          int32_t colour1, int32_t colour2, int32_t colour3, int32_t colour4, float alpha) {
   const Picture it = Find(self, sprite, image);
   if (!it || !InView(ScaledRadius(*it.sprite, xscale, yscale), x, y)) return;
-  const auto word = [alpha](int32_t colour) { return ColourWord(static_cast<uint32_t>(colour), alpha); };
   Check(*it.sprite,
         Page_DrawGeneral(*it.entry, {left, top, width, height},
                          {.x = x, .y = y, .xscale = xscale, .yscale = yscale, .rotation = rotation},
-                         {word(colour1), word(colour2), word(colour3), word(colour4)}));
+                         CornerWords(colour1, colour2, colour3, colour4, alpha)));
 }
 
 void draw_sprite_pos(CInstance* self, int32_t sprite, int32_t image, float x1, float y1, float x2, float y2,
