@@ -5,8 +5,6 @@
 #include "pack/soundstudio/SongRender.h"
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
 
 namespace vesk {
@@ -30,22 +28,10 @@ std::vector<fs::path> Files(const fs::path& folder, const std::string& extension
   return files;
 }
 
-std::string HexHash(const std::string& text) {
-  uint64_t a = 0xcbf29ce484222325ull, b = 0x9e3779b97f4a7c15ull;
-  for (const char c : text) {
-    a = (a ^ static_cast<uint8_t>(c)) * 0x100000001b3ull;
-    b = (b ^ static_cast<uint8_t>(c)) * 0xff51afd7ed558ccdull, b ^= b >> 29;
-  }
-  char out[33];
-  std::snprintf(out, sizeof out, "%016llx%016llx", static_cast<unsigned long long>(a),
-                static_cast<unsigned long long>(b));
-  return out;
-}
-
 } // namespace
 
 SoundStudio::SoundStudio(const fs::path& assets, const fs::path& cache)
-    : m_cache(cache.empty() ? cache : cache / "sounds") {
+    : m_cache(cache.empty() ? cache : cache / "sounds", ".ogg") {
   const auto add = [&](const fs::path& file, const std::string& name) {
     if (Has(name)) throw std::runtime_error(file.string() + ": a second source of " + name);
   };
@@ -93,19 +79,14 @@ Track SoundStudio::Samples(const std::string& name) const {
   return Render(song, PlayOut(song));
 }
 
-fs::path SoundStudio::CacheFile(const std::string& name) const {
+std::string SoundStudio::SourceOf(const std::string& name) const {
   const Effect* effect = EffectNamed(name);
-  const std::string text = effect ? effect->text : pack::ReadTextFile(m_songs.at(name));
-  return m_cache / (name + "-" + HexHash(kSynthesiserVersion + text).substr(0, 24) + ".ogg");
+  return kSynthesiserVersion + (effect ? effect->text : pack::ReadTextFile(m_songs.at(name)));
 }
 
 std::string SoundStudio::Ogg(const std::string& name) const {
-  const fs::path kept = m_cache.empty() ? fs::path() : CacheFile(name);
-  if (!kept.empty()) {
-    std::ifstream in(kept, std::ios::binary);
-    std::string bytes{std::istreambuf_iterator<char>(in), {}};
-    if (!bytes.empty()) return bytes;
-  }
+  const std::string source = m_cache.Keeps() ? SourceOf(name) : "";
+  if (std::string kept = m_cache.Read(name, source); !kept.empty()) return kept;
   int channels = 1;
   const std::vector<int16_t> pcm = ToPcm(Samples(name), channels);
   std::vector<float> samples(pcm.size());
@@ -113,17 +94,7 @@ std::string SoundStudio::Ogg(const std::string& name) const {
                  [](int16_t x) { return static_cast<float>(x) / 32768.0f; });
   const bool effect = EffectNamed(name) != nullptr;
   std::string bytes = pack::EncodeOgg(samples, effect ? kEffectQuality : kSongQuality, channels);
-  if (kept.empty()) return bytes;
-  // A failed write only costs time at the next run; the file appears whole or not at all.
-  std::error_code ignored;
-  fs::create_directories(m_cache, ignored);
-  for (const auto& old : fs::directory_iterator(m_cache, ignored))
-    if (old.path().filename().string().rfind(name + "-", 0) == 0) fs::remove(old.path(), ignored);
-  const fs::path beside = kept.string() + ".new";
-  std::ofstream out(beside, std::ios::binary);
-  out << bytes;
-  out.close();
-  if (out) fs::rename(beside, kept, ignored);
+  m_cache.Write(name, source, bytes);
   return bytes;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 // The sound studio: compiles the text sources in assets/sounds/ and assets/songs/ to samples and to Ogg
 // Vorbis. assets/sounds/README.md describes the sources. One thread at a time per SoundStudio.
+#include "pack/SourceCache.h"
 #include "pack/soundstudio/Effect.h"
 #include "pack/soundstudio/Score.h"
 
@@ -33,9 +34,9 @@ public:
   std::string Ogg(const std::string& name) const;
 
 private:
-  std::filesystem::path CacheFile(const std::string& name) const;
+  std::string SourceOf(const std::string& name) const; // all that the finished sound depends on
 
-  std::filesystem::path m_cache;
+  pack::SourceCache m_cache;
   std::map<std::string, sound::Effect> m_effects;
   std::map<std::string, std::filesystem::path> m_songs;
 };

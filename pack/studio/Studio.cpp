@@ -1,15 +1,14 @@
 #include "pack/studio/Studio.h"
 
+#include "pack/SourceCache.h"
+#include "pack/TextSource.h"
 #include "pack/studio/Canvas.h"
 #include "pack/studio/Painter.h"
 
 #include <algorithm>
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <set>
-#include <sstream>
 #include <stdexcept>
 #include <zlib.h>
 
@@ -24,30 +23,12 @@ constexpr const char* kPainterVersion = "3";
 constexpr uint32_t kCacheMark = 0x43495056; // VPIC
 
 std::vector<PictureSpec> ReadTable(const std::filesystem::path& file, bool background) {
-  std::ifstream in(file);
-  if (!in) throw std::runtime_error(file.string() + ": can't be read");
-  std::string line;
-  std::vector<std::string> columns;
-  const auto cut = [](const std::string& text) {
-    std::vector<std::string> cells;
-    std::istringstream stream(text);
-    for (std::string cell; std::getline(stream, cell, '\t');) cells.push_back(cell);
-    return cells;
-  };
-  std::getline(in, line);
-  columns = cut(line);
+  const pack::Table table(file);
   std::vector<PictureSpec> specs;
-  for (int number = 2; std::getline(in, line); ++number) {
-    const auto cells = cut(line);
-    const auto at = [&](const char* column) {
-      const auto i = static_cast<size_t>(std::find(columns.begin(), columns.end(), column) - columns.begin());
-      if (i >= cells.size())
-        throw std::runtime_error(file.string() + ":" + std::to_string(number) + ": no column " + column);
-      return cells[i];
-    };
-    const auto whole = [&](const char* column) { return std::atoi(at(column).c_str()); };
+  for (size_t row = 0; row < table.Rows(); ++row) {
+    const auto whole = [&](const char* column) { return table.Integer(row, column); };
     PictureSpec spec;
-    spec.name = at("name"), spec.width = whole("width"), spec.height = whole("height");
+    spec.name = table.Text(row, "name"), spec.width = whole("width"), spec.height = whole("height");
     spec.background = background;
     spec.boxRight = spec.width - 1, spec.boxBottom = spec.height - 1;
     if (!background) {
@@ -59,30 +40,14 @@ std::vector<PictureSpec> ReadTable(const std::filesystem::path& file, bool backg
       spec.boxByHand = whole("bbox_mode") == 2;
     }
     if (spec.width < 1 || spec.height < 1 || spec.frames < 1 || spec.width > 4096 || spec.height > 4096)
-      throw std::runtime_error(file.string() + ":" + std::to_string(number) + ": " + spec.name +
-                               " has no sensible size");
+      table.Fail(row, spec.name + " has no sensible size");
     specs.push_back(spec);
   }
   return specs;
 }
 
-std::string HexHash(const std::string& text) {
-  uint64_t a = 0xcbf29ce484222325ull, b = 0x9e3779b97f4a7c15ull;
-  for (const char c : text) {
-    a = (a ^ static_cast<uint8_t>(c)) * 0x100000001b3ull;
-    b = (b ^ static_cast<uint8_t>(c)) * 0xff51afd7ed558ccdull, b ^= b >> 29;
-  }
-  char out[33];
-  std::snprintf(out, sizeof out, "%016llx%016llx", static_cast<unsigned long long>(a),
-                static_cast<unsigned long long>(b));
-  return out;
-}
-
-// A cache file: mark, byte count, deflated pixels of all frames. Anything unfit counts as not there.
-bool ReadCache(const std::filesystem::path& file, const PictureSpec& spec, std::vector<Picture>& frames) {
-  std::ifstream in(file, std::ios::binary);
-  if (!in) return false;
-  const std::string bytes((std::istreambuf_iterator<char>(in)), {});
+// Kept frames: mark, then the deflated pixels of all frames. Anything unfit counts as not there.
+bool Unpack(const std::string& bytes, const PictureSpec& spec, std::vector<Picture>& frames) {
   const size_t pixels = static_cast<size_t>(spec.width) * static_cast<size_t>(spec.height);
   std::vector<uint32_t> all(pixels * static_cast<size_t>(spec.frames));
   uLongf size = all.size() * 4;
@@ -102,28 +67,23 @@ bool ReadCache(const std::filesystem::path& file, const PictureSpec& spec, std::
   return true;
 }
 
-// A failed write only costs time at the next run, so it isn't reported; the file appears whole or not at all.
-void WriteCache(const std::filesystem::path& file, const std::vector<Picture>& frames) {
+std::string Pack(const std::vector<Picture>& frames) {
   std::vector<uint32_t> all;
   for (const Picture& p : frames) all.insert(all.end(), p.rgba.begin(), p.rgba.end());
   uLongf size = compressBound(all.size() * 4);
-  std::vector<char> packed(size);
-  if (compress2(reinterpret_cast<Bytef*>(packed.data()), &size, reinterpret_cast<const Bytef*>(all.data()),
+  std::string bytes(4 + size, '\0');
+  std::memcpy(bytes.data(), &kCacheMark, 4);
+  if (compress2(reinterpret_cast<Bytef*>(bytes.data()) + 4, &size, reinterpret_cast<const Bytef*>(all.data()),
                 all.size() * 4, 1) != Z_OK)
-    return;
-  const std::filesystem::path part = file.string() + ".part";
-  std::ofstream out(part, std::ios::binary);
-  out.write(reinterpret_cast<const char*>(&kCacheMark), 4);
-  out.write(packed.data(), static_cast<std::streamsize>(size));
-  out.close();
-  std::error_code ignored;
-  if (out) std::filesystem::rename(part, file, ignored);
+    throw std::runtime_error("pictures can't be compressed");
+  bytes.resize(4 + size);
+  return bytes;
 }
 
 } // namespace
 
 struct Studio::Impl {
-  std::filesystem::path cache;
+  pack::SourceCache cache;
   studio::Palette palette;
   std::vector<PictureSpec> specs;
   Library library;
@@ -132,11 +92,10 @@ struct Studio::Impl {
   std::set<std::string> painting; // pictures whose frames are being painted
 
   Impl(const std::filesystem::path& assets, const std::filesystem::path& cacheDir)
-      : cache(cacheDir.empty() ? cacheDir : cacheDir / "pictures"), palette(assets / "palette.txt"),
+      : cache(cacheDir.empty() ? cacheDir : cacheDir / "pictures", ".pic"), palette(assets / "palette.txt"),
         specs(ReadTable(assets / "sprites.tsv", false)), library(assets / "pictures", palette) {
     const auto backgrounds = ReadTable(assets / "backgrounds.tsv", true);
     specs.insert(specs.end(), backgrounds.begin(), backgrounds.end());
-    if (!cache.empty()) std::filesystem::create_directories(cache);
   }
 
   // What the icons of a file depend on: the sources of their pictures and the sizes of those.
@@ -161,12 +120,13 @@ struct Studio::Impl {
     return text;
   }
 
-  std::filesystem::path CacheFile(const PictureSpec& spec) {
-    const std::string& source = library.Sprite(spec.name)->file;
-    std::string& hash = hashOfFile[source];
+  // All that the finished picture depends on.
+  std::string SourceOf(const PictureSpec& spec) {
+    const std::string& file = library.Sprite(spec.name)->file;
+    std::string& hash = hashOfFile[file];
     if (hash.empty())
-      hash = HexHash(kPainterVersion + palette.Text() + library.TextsOf(source) + TextsOfIcons(source));
-    return cache / (spec.name + "-" + HexHash(hash + Geometry(spec)).substr(0, 24) + ".pic");
+      hash = pack::HexHash(kPainterVersion + palette.Text() + library.TextsOf(file) + TextsOfIcons(file));
+    return hash + Geometry(spec);
   }
 };
 
@@ -189,7 +149,8 @@ const std::vector<Picture>& Studio::Frames(const std::string& name) {
   std::vector<Picture>& frames = impl_->frames[name];
   const PictureSpec* spec = Find(name);
   if (!frames.empty() || !spec || !Has(name)) return frames;
-  if (!impl_->cache.empty() && ReadCache(impl_->CacheFile(*spec), *spec, frames)) return frames;
+  const std::string source = impl_->cache.Keeps() ? impl_->SourceOf(*spec) : "";
+  if (Unpack(impl_->cache.Read(name, source), *spec, frames)) return frames;
   if (!impl_->painting.insert(name).second)
     throw std::runtime_error("pictures/" + impl_->library.Sprite(name)->file + ": " + name +
                              ": icons of each other without end");
@@ -198,11 +159,7 @@ const std::vector<Picture>& Studio::Frames(const std::string& name) {
   };
   frames = PaintSprite(impl_->library, impl_->palette, *spec, impl_->specs, framesOf);
   impl_->painting.erase(name);
-  if (!impl_->cache.empty()) {
-    for (const auto& old : std::filesystem::directory_iterator(impl_->cache))
-      if (old.path().filename().string().rfind(name + "-", 0) == 0) std::filesystem::remove(old.path());
-    WriteCache(impl_->CacheFile(*spec), frames);
-  }
+  if (impl_->cache.Keeps()) impl_->cache.Write(name, source, Pack(frames));
   return frames;
 }
 
