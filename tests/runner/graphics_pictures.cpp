@@ -11,87 +11,32 @@
 #include "Files/Graphics/View.h"
 #include "Files/Sprite/DrawSprite.h"
 #include "Platform/Files.h"
-#include "tests/runner/graphics_Stage.h"
+#include "tests/runner/graphics_Picture.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdlib>
-#include <functional>
 #include <string>
 
 namespace vesk::test {
 namespace {
 
-constexpr int kWidth = 96, kHeight = 80;
-
-struct Canvas { // what is expected, painted pixel by pixel
-  std::vector<Rgba> pixels = std::vector<Rgba>(kWidth * kHeight, Rgba{0, 0, 0, 255});
-  Rgba& At(int x, int y) { return pixels[static_cast<size_t>(y * kWidth + x)]; }
-  void Fill(int left, int top, int right, int bottom,
-            const std::function<Rgba(int x, int y, Rgba old)>& paint) {
-    for (int y = std::max(top, 0); y < std::min(bottom, kHeight); ++y)
-      for (int x = std::max(left, 0); x < std::min(right, kWidth); ++x)
-        At(x, y) = paint(x - left, y - top, At(x, y));
-  }
-};
-
-uint8_t Round(double value) { return static_cast<uint8_t>(std::clamp(value + 0.5, 0.0, 255.0)); }
-
 Rgba Normal(Rgba source, Rgba old) {
   Rgba result;
   for (size_t i = 0; i < 4; ++i)
-    result[i] = Round((source[i] * source[3] + old[i] * (255 - source[3])) / 255.0);
+    result[i] = RoundToByte((source[i] * source[3] + old[i] * (255 - source[3])) / 255.0);
   return result;
 }
 
-class Pictures : public testing::TestWithParam<bool> {
+class Pictures : public PictureTest {
 protected:
-  void SetUp() override {
-    std::unique_ptr<IRenderDevice> device;
-    if (GetParam()) {
-      m_window = Window_MakeOffscreen();
-      std::string why;
-      if (m_window->Create({.title = "", .size = {kWidth, kHeight}}))
-        device = RenderDevice_MakeOpenGL(*m_window, why);
-      if (!device) GTEST_SKIP() << "no OpenGL here: " << m_window->Failure() << why;
-    } else {
-      device = RenderDevice_MakeSoftware(kWidth, kHeight);
-    }
-    stage = std::make_unique<Stage>(std::move(device), kWidth, kHeight);
-    SetViewport(0, 0, kWidth, kHeight);
-    SetView(0, 0, kWidth, kHeight, 0);
-    draw_clear(c_black);
-  }
-  void TearDown() override {
-    stage.reset();
-    if (m_window) m_window->Destroy();
-  }
-  // Every pixel of the window within `tolerance` of the expected one; alpha is not compared.
-  void Expect(Canvas& canvas, int tolerance) {
-    const WindowPicture picture = Graphics_ReadBackBuffer();
-    ASSERT_EQ(picture.width, kWidth);
-    int wrong = 0;
-    for (int y = 0; y < kHeight && wrong < 5; ++y)
-      for (int x = 0; x < kWidth && wrong < 5; ++x)
-        for (size_t i = 0; i < 3; ++i) {
-          const int got = picture.pixels[static_cast<size_t>(y * kWidth + x) * 4 + i],
-                    wanted = canvas.At(x, y)[i];
-          if (std::abs(got - wanted) <= tolerance) continue;
-          ++wrong;
-          ADD_FAILURE() << "(" << x << ", " << y << ") channel " << i << ": " << got << ", expected "
-                        << wanted;
-          break;
-        }
-  }
-  std::unique_ptr<Stage> stage;
-
-private:
-  std::unique_ptr<IWindow> m_window;
+  Pictures() : PictureTest(96, 80) {}
 };
-INSTANTIATE_TEST_SUITE_P(Devices, Pictures, testing::Bool(), [](const auto& test) {
-  return test.param ? std::string("OpenGL") : std::string("Software");
-});
+INSTANTIATE_TEST_SUITE_P(Devices, Pictures, testing::Bool(), DeviceName);
+
+// What only a device with programs can draw.
+class ShaderPictures : public Pictures {};
+INSTANTIATE_TEST_SUITE_P(Devices, ShaderPictures, testing::Values(true), DeviceName);
 
 TEST_P(Pictures, OpaqueSpritesMapTexelsToPixels) {
   const int sprite = stage->Piece(2, 3, 20, 16);
@@ -99,7 +44,7 @@ TEST_P(Pictures, OpaqueSpritesMapTexelsToPixels) {
   draw_sprite_ext(nullptr, sprite, 0, 90, 40, -1, 1, 0, c_white, 1);
   draw_sprite_part(nullptr, sprite, 0, 5, 4, 6, 7, 60, 5);
   draw_sprite_ext(nullptr, sprite, 0, 4, 40, 2, 2, 0, c_white, 1);
-  Canvas canvas;
+  Canvas canvas = NewCanvas();
   canvas.Fill(10, 12, 30, 28, [](int x, int y, Rgba) { return PagePixel(2 + x, 3 + y); });
   canvas.Fill(70, 40, 90, 56, [](int x, int y, Rgba) { return PagePixel(2 + 19 - x, 3 + y); });
   canvas.Fill(60, 5, 66, 12, [](int x, int y, Rgba) { return PagePixel(7 + x, 7 + y); });
@@ -110,8 +55,8 @@ TEST_P(Pictures, OpaqueSpritesMapTexelsToPixels) {
 TEST_P(Pictures, BlendModes) {
   const int sprite = stage->Piece(40, 3, 16, 16); // alpha 128
   draw_set_colour(make_colour_rgb(100, 150, 30));
-  draw_rectangle(0, 0, kWidth - 1, kHeight - 1, false);
-  Canvas canvas;
+  draw_rectangle(0, 0, 95, 79, false);
+  Canvas canvas = NewCanvas();
   canvas.Fill(0, 0, kWidth, kHeight, [](int, int, Rgba) { return Rgba{100, 150, 30, 255}; });
   const auto each = [&](int mode, int x, const std::function<double(double s, double a, double d)>& blend) {
     draw_set_blend_mode(mode);
@@ -120,7 +65,7 @@ TEST_P(Pictures, BlendModes) {
       const Rgba source = PagePixel(40 + px, 3 + py);
       Rgba result = old;
       for (size_t i = 0; i < 3; ++i)
-        result[i] = Round(255 * blend(source[i] / 255.0, source[3] / 255.0, old[i] / 255.0));
+        result[i] = RoundToByte(255 * blend(source[i] / 255.0, source[3] / 255.0, old[i] / 255.0));
       return result;
     });
   };
@@ -151,7 +96,7 @@ TEST_P(Pictures, ShapesCoverTheirEndPixels) {
   draw_rectangle(30, 5, 40, 12, true);
   draw_line(50, 5, 60, 5);
   draw_point(70, 5);
-  Canvas canvas;
+  Canvas canvas = NewCanvas();
   const auto white = [](int, int, Rgba) { return Rgba{255, 255, 255, 255}; };
   canvas.Fill(10, 5, 21, 13, white);
   canvas.Fill(30, 5, 41, 13, white);
@@ -167,7 +112,7 @@ TEST_P(Pictures, ViewsScaleAndPortsClip) {
   SetView(100, 200, 24, 24, 0);
   draw_clear(c_red);
   draw_sprite(nullptr, sprite, 0, 104, 204);
-  Canvas canvas;
+  Canvas canvas = NewCanvas();
   canvas.Fill(16, 8, 64, 56, [](int x, int y, Rgba) {
     return x < 8 || y < 8 ? Rgba{255, 0, 0, 255} : PagePixel((x - 8) / 2, (y - 8) / 2);
   });
@@ -190,7 +135,7 @@ TEST_P(Pictures, SurfacesStandUprightAndKeepTheirAlpha) {
   const std::vector<uint8_t> thin = ReadSurfaceRect(surface, 30, 10, 1, 1);
   EXPECT_NEAR(thin[3], 128.0 * 128 / 255, 1); // the alpha is blended as the colours are
   draw_surface(surface, 10, 30);
-  Canvas canvas;
+  Canvas canvas = NewCanvas();
   canvas.Fill(12, 31, 32, 51, [](int x, int y, Rgba) { return PagePixel(x, y); });
   canvas.Fill(32, 31, 50, 51, [](int x, int y, Rgba old) {
     const Rgba glassy = Normal(PagePixel(40 + x, y), {0, 0, 0, 0});
@@ -211,7 +156,7 @@ TEST_P(Pictures, ASurfaceDrawnIntoItselfShowsWhatItHeld) {
   draw_surface_part(surface, 4, 0, 16, 16, 12, 0);
   surface_reset_target();
   draw_surface(surface, 10, 10);
-  Canvas canvas;
+  Canvas canvas = NewCanvas();
   const auto piece = [](int x, int y, Rgba) { return PagePixel(x, y); };
   canvas.Fill(10, 10, 26, 26, piece);
   canvas.Fill(14, 10, 30, 26, piece);
@@ -222,13 +167,12 @@ TEST_P(Pictures, ASurfaceDrawnIntoItselfShowsWhatItHeld) {
 TEST_P(Pictures, TurnedSpritesShowTheRightTexels) {
   const int sprite = stage->Piece(0, 0, 16, 8);
   draw_sprite_ext(nullptr, sprite, 0, 40, 60, 1, 1, 90, c_white, 1);
-  Canvas canvas; // a quarter turn: x runs upward, y to the right
+  Canvas canvas = NewCanvas(); // a quarter turn: x runs upward, y to the right
   canvas.Fill(40, 44, 48, 60, [](int x, int y, Rgba) { return PagePixel(15 - y, x); });
   Expect(canvas, 0);
 }
 
-TEST_P(Pictures, TheContainersShaderSourcesDoWhatTheyShould) {
-  if (!shaders_are_supported()) GTEST_SKIP() << "this device runs no shaders";
+TEST_P(ShaderPictures, TheContainersShaderSourcesDoWhatTheyShould) {
   std::string vertex, invert, water, bloom, blur;
   ASSERT_TRUE(File_ReadAll("assets/shaders/default.vert", vertex));
   ASSERT_TRUE(File_ReadAll("assets/shaders/sha_invert.frag", invert));
@@ -254,7 +198,7 @@ TEST_P(Pictures, TheContainersShaderSourcesDoWhatTheyShould) {
   draw_sprite(nullptr, stage->Piece(8, 0, 20, 1), 0, 60, 5);
   shader_reset();
   draw_sprite(nullptr, sprite, 0, 5, 40);
-  Canvas canvas;
+  Canvas canvas = NewCanvas();
   canvas.Fill(5, 5, 25, 25, [](int x, int y, Rgba) {
     const Rgba p = PagePixel(x, y);
     return Rgba{static_cast<uint8_t>(255 - p[0]), static_cast<uint8_t>(255 - p[1]),
@@ -281,8 +225,7 @@ TEST_P(Pictures, TheContainersShaderSourcesDoWhatTheyShould) {
 }
 
 // Seven taps, worked out apart: the page is 512 wide, so that a step of the shader is one texel.
-TEST_P(Pictures, TheBlurIsTheGaussianOfItsTaps) {
-  if (!shaders_are_supported()) GTEST_SKIP() << "this device runs no shaders";
+TEST_P(ShaderPictures, TheBlurIsTheGaussianOfItsTaps) {
   std::string vertex, blur;
   ASSERT_TRUE(File_ReadAll("assets/shaders/default.vert", vertex));
   ASSERT_TRUE(File_ReadAll("assets/shaders/sha_blur.frag", blur));
@@ -310,13 +253,47 @@ TEST_P(Pictures, TheBlurIsTheGaussianOfItsTaps) {
       sum += pair == 0 ? tap(at) * x : (tap(at - pair) + tap(at + pair)) * x;
       weight += pair == 0 ? x : 2 * x;
     }
-    return Round(sum / weight);
+    return RoundToByte(sum / weight);
   };
-  Canvas canvas;
+  Canvas canvas = NewCanvas();
   canvas.Fill(8, 10, 88, 14, [&](int x, int, Rgba) {
     return Rgba{blurred(100 + x, 0), blurred(100 + x, 1), blurred(100 + x, 2), 255};
   });
   Expect(canvas, 1);
+}
+
+// On a page of 512 the shift is up to two texels, by the row's v and the time.
+TEST_P(ShaderPictures, TheWaterShiftsEveryRowByItsCosine) {
+  std::string vertex, water;
+  ASSERT_TRUE(File_ReadAll("assets/shaders/default.vert", vertex));
+  ASSERT_TRUE(File_ReadAll("assets/shaders/sha_water.frag", water));
+  std::vector<uint8_t> pixels;
+  for (int y = 0; y < 64; ++y)
+    for (int x = 0; x < 512; ++x)
+      for (const int channel : {x % 256, y * 4, 255 - x % 256, 128})
+        pixels.push_back(static_cast<uint8_t>(channel));
+  PageEntry entry = stage->Entry(100, 0, 80, 64);
+  entry.texture = static_cast<int16_t>(
+      Texture_CreateFromPixels(512, 64, pixels.data(), static_cast<uint32_t>(pixels.size())));
+  const int sprite = stage->Sprite(80, 64, {entry});
+  const int shader = Shader_Load("sha_water", 1, vertex, water, {});
+  for (const float time : {0.0f, 17.0f}) {
+    draw_clear(c_black);
+    shader_set(shader);
+    shader_set_uniform_f(shader_get_uniform(shader, "time"), time);
+    draw_sprite(nullptr, sprite, 0, 8, 10);
+    shader_reset();
+    Canvas canvas = NewCanvas();
+    canvas.Fill(8, 10, 88, 74, [&](int x, int y, Rgba) {
+      const double v = (y + 0.5) / 64,
+                   u = (100 + x + 0.5) + std::cos(v * 8 + double(time) * 0.08) * 0.004 * 512;
+      if (std::fabs(u - std::round(u)) < 0.05) return Rgba{0, 0, 0, 0}; // between two texels
+      const auto red = static_cast<int>(u) % 256;
+      return Rgba{static_cast<uint8_t>(red), static_cast<uint8_t>(y * 4), static_cast<uint8_t>(255 - red),
+                  255};
+    });
+    Expect(canvas, 1);
+  }
 }
 
 TEST_P(Pictures, TiledBackgroundsRepeatInBothDirections) {
@@ -327,11 +304,127 @@ TEST_P(Pictures, TiledBackgroundsRepeatInBothDirections) {
   const int background = stage->Background(entry);
   draw_clear(c_blue);
   draw_background_tiled(background, -5, 7);
-  Canvas canvas;
+  Canvas canvas = NewCanvas();
   canvas.Fill(0, 0, kWidth, kHeight, [](int x, int y, Rgba) {
     const int u = (x + 5 + 160) % 16 - 3, v = (y - 7 + 160) % 16 - 2;
     return u >= 0 && u < 10 && v >= 0 && v < 12 ? PagePixel(2 + u, 3 + v) : Rgba{0, 0, 255, 255};
   });
+  Expect(canvas, 0);
+}
+
+TEST_P(Pictures, StretchedPicturesCoverTheirBoxFromItsCorner) {
+  const int sprite = stage->Piece(2, 3, 10, 6, 4, 4); // the origin doesn't count
+  const int background = stage->Background(stage->Entry(12, 20, 8, 8));
+  const int surface = surface_create(10, 6);
+  surface_set_target(surface);
+  draw_sprite(nullptr, sprite, 0, 4, 4);
+  surface_reset_target();
+  draw_sprite_stretched(nullptr, sprite, 0, 3, 5, 20, 18);
+  draw_background_stretched(background, 30, 5, 16, 24);
+  draw_surface_stretched(surface, 50, 5, 30, 12);
+  draw_sprite_stretched(nullptr, sprite, 0, 3, 50, -20, 18); // no box, no picture
+  draw_background_stretched(background, 30, 50, 16, 0);
+  draw_surface_stretched(surface, 50, 50, 0, 12);
+  Canvas canvas = NewCanvas();
+  canvas.Fill(3, 5, 23, 23, [](int x, int y, Rgba) { return PagePixel(2 + x / 2, 3 + y / 3); });
+  canvas.Fill(30, 5, 46, 29, [](int x, int y, Rgba) { return PagePixel(12 + x / 2, 20 + y / 3); });
+  canvas.Fill(50, 5, 80, 17, [](int x, int y, Rgba) { return PagePixel(2 + x / 3, 3 + y / 2); });
+  Expect(canvas, 0);
+}
+
+// A frame of 16 by 16 whose visible piece lies at (3, 2).
+TEST_P(Pictures, PartsTilesAndCornersOfACroppedFrame) {
+  PageEntry entry = stage->Entry(2, 3, 10, 12);
+  entry.targetX = 3, entry.targetY = 2;
+  entry.boundingWidth = entry.boundingHeight = 16;
+  const int sprite = stage->Sprite(16, 16, {entry}, 8, 8);
+  draw_sprite_part(nullptr, sprite, 0, 0, 0, 8, 9, 2, 2);
+  draw_sprite_part_ext(nullptr, sprite, 0, 5, 4, 20, 20, 20, 2, 2, 2, c_white, 1);
+  draw_sprite_part(nullptr, sprite, 0, 0, 0, 3, 16, 60, 2);             // the clear margin alone
+  draw_sprite_pos(nullptr, sprite, 0, 90, 2, 70, 2, 70, 26, 90, 26, 1); // mirrored, twice as large
+  Canvas canvas = NewCanvas();
+  canvas.Fill(5, 4, 10, 11, [](int x, int y, Rgba) { return PagePixel(2 + x, 3 + y); });
+  canvas.Fill(20, 2, 36, 22, [](int x, int y, Rgba) { return PagePixel(4 + x / 2, 5 + y / 2); });
+  canvas.Fill(70, 2, 90, 26, [](int x, int y, Rgba) { return PagePixel(2 + (19 - x) / 2, 3 + y / 2); });
+  Expect(canvas, 0);
+
+  const int surface = surface_create(9, 7);
+  surface_set_target(surface);
+  draw_sprite(nullptr, stage->Piece(2, 3, 9, 7), 0, 0, 0);
+  surface_reset_target();
+  draw_surface_tiled(surface, 4, -3);
+  canvas.Fill(0, 0, kWidth, kHeight,
+              [](int x, int y, Rgba) { return PagePixel(2 + (x - 4 + 90) % 9, 3 + (y + 3) % 7); });
+  draw_sprite_tiled(nullptr, sprite, 0, 1, 1);
+  canvas.Fill(0, 0, kWidth, kHeight, [](int x, int y, Rgba old) {
+    const int u = (x - 1 + 160) % 16 - 3, v = (y - 1 + 160) % 16 - 2;
+    return u >= 0 && u < 10 && v >= 0 && v < 12 ? PagePixel(2 + u, 3 + v) : old;
+  });
+  Expect(canvas, 0);
+}
+
+TEST_P(Pictures, CornerColoursRunThroughTheTriangles) {
+  std::vector<uint8_t> pixels(4 * 64, 255);
+  PageEntry entry = stage->Entry(0, 0, 8, 8);
+  entry.texture = static_cast<int16_t>(Texture_CreateFromPixels(8, 8, pixels.data(), 256));
+  const int sprite = stage->Sprite(8, 8, {entry});
+  draw_sprite_general(nullptr, sprite, 0, 0, 0, 8, 8, 10, 8, 8, 8, 0, c_red, c_red, c_blue, c_blue, 1);
+  draw_sprite_general(nullptr, sprite, 0, 0, 0, 8, 4, 90, 8, 1, 1, -90, c_lime, c_lime, c_lime, c_lime, 1);
+  Canvas canvas = NewCanvas();
+  canvas.Fill(10, 8, 74, 72, [&](int, int y, Rgba) {
+    const double down = (y + 0.5) / 64;
+    return Rgba{RoundToByte(255 * (1 - down)), 0, RoundToByte(255 * down), 255};
+  });
+  canvas.Fill(86, 8, 90, 16, [](int, int, Rgba) { return Rgba{0, 255, 0, 255}; }); // turned clockwise
+  Expect(canvas, 1);
+}
+
+TEST_P(Pictures, BlendFactorsByName) {
+  const int sprite = stage->Piece(40, 3, 16, 16); // alpha 128
+  draw_set_colour(make_colour_rgb(100, 150, 30));
+  draw_rectangle(0, 0, 95, 79, false);
+  Canvas canvas = NewCanvas();
+  canvas.Fill(0, 0, kWidth, kHeight, [](int, int, Rgba) { return Rgba{100, 150, 30, 255}; });
+  const auto each = [&](int source, int destination, int x,
+                        const std::function<double(double s, double a, double d)>& blend) {
+    draw_set_blend_mode_ext(source, destination);
+    draw_sprite(nullptr, sprite, 0, static_cast<float>(x), 10);
+    canvas.Fill(x, 10, x + 16, 26, [&](int px, int py, Rgba old) {
+      const Rgba from = PagePixel(40 + px, 3 + py);
+      Rgba result = old;
+      for (size_t i = 0; i < 3; ++i)
+        result[i] = RoundToByte(255 * blend(from[i] / 255.0, from[3] / 255.0, old[i] / 255.0));
+      return result;
+    });
+  };
+  each(bm_dest_colour, bm_zero, 0, [](double s, double, double d) { return s * d; });
+  each(bm_inv_dest_colour, bm_one, 20, [](double s, double, double d) { return s * (1 - d) + d; });
+  each(bm_one, bm_inv_src_alpha, 40, [](double s, double a, double d) { return s + d * (1 - a); });
+  each(bm_zero, bm_src_alpha, 60, [](double, double a, double d) { return d * a; });
+  draw_set_blend_mode(bm_normal);
+  Expect(canvas, 1);
+}
+
+// Two glyphs of a sprite font: twice as large, then turned by a quarter, with the second line to the right.
+TEST_P(Pictures, TextOfASpriteFontStraightScaledAndTurned) {
+  const int letters = stage->Sprite(8, 10, {stage->Entry(0, 0, 8, 10), stage->Entry(10, 20, 8, 10)});
+  draw_set_font(font_add_sprite_ext(letters, "ab", false, 1)); // 9 from letter to letter
+  draw_set_colour(c_white);
+  draw_text(2, 2, "ab#b");
+  draw_text_transformed(30, 2, "b a", 2, 3, 0);
+  draw_text_transformed(4, 76, "ab#b", 2, 1, 90);
+  Canvas canvas = NewCanvas();
+  const auto a = [](int x, int y) { return PagePixel(x, y); };
+  const auto b = [](int x, int y) { return PagePixel(10 + x, 20 + y); };
+  canvas.Fill(2, 2, 10, 12, [&](int x, int y, Rgba) { return a(x, y); });
+  canvas.Fill(11, 2, 19, 12, [&](int x, int y, Rgba) { return b(x, y); });
+  canvas.Fill(2, 12, 10, 22, [&](int x, int y, Rgba) { return b(x, y); });
+  canvas.Fill(30, 2, 46, 32, [&](int x, int y, Rgba) { return b(x / 2, y / 3); });
+  canvas.Fill(66, 2, 82, 32, [&](int x, int y, Rgba) { return a(x / 2, y / 3); });
+  // Turned, x runs upward and y to the right.
+  canvas.Fill(4, 60, 14, 76, [&](int x, int y, Rgba) { return a((15 - y) / 2, x); });
+  canvas.Fill(4, 42, 14, 58, [&](int x, int y, Rgba) { return b((15 - y) / 2, x); });
+  canvas.Fill(14, 60, 24, 76, [&](int x, int y, Rgba) { return b((15 - y) / 2, x); });
   Expect(canvas, 0);
 }
 
@@ -342,7 +435,7 @@ TEST_P(Pictures, TextInTheBuiltInFontReadsAsWritten) {
       "#...#...#", "#...#...#", "#...#...#", "#####...#", "#...#...#", "#...#....", "#...#...#", ".........",
       "#........", "#........", "#........", "#........", "#........", "#........", "#####....",
   };
-  Canvas canvas;
+  Canvas canvas = NewCanvas();
   for (int y = 0; y < static_cast<int>(std::size(rows)); ++y)
     for (int x = 0; rows[y][x]; ++x)
       if (rows[y][x] == '#') canvas.At(4 + x, 4 + y) = {255, 255, 0, 255};
@@ -360,7 +453,7 @@ TEST_P(Pictures, TextOfAPageFontIsThePiecesOfItsPage) {
   draw_set_font(static_cast<int32_t>(Fonts().table.size()) - 1);
   draw_set_colour(c_white);
   draw_text(10, 12, "ab#b");
-  Canvas canvas;
+  Canvas canvas = NewCanvas();
   canvas.Fill(11, 12, 18, 22, [](int x, int y, Rgba) { return PagePixel(4 + x, 6 + y); });
   canvas.Fill(19, 12, 24, 22, [](int x, int y, Rgba) { return PagePixel(16 + x, 20 + y); });
   canvas.Fill(10, 22, 15, 32, [](int x, int y, Rgba) { return PagePixel(16 + x, 20 + y); });
