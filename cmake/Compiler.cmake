@@ -25,6 +25,12 @@ if(VESK_SANITIZE)
   add_link_options(-fsanitize=${VESK_SANITIZE})
 endif()
 
+# The fuzzers see which branches of the runner and the game an input reaches.
+if(VESK_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+  add_link_options(-fsanitize=fuzzer-no-link)
+endif()
+
 # Paths below the source folder are kept relative, so that every checkout shares the cache.
 find_program(CCACHE ccache)
 if(CCACHE)
