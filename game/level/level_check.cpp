@@ -163,24 +163,34 @@ private:
       if (code.size() == kDestinationPrefix.size()) FaultAt("MODIFIERS", key, "the destination has no name");
     } else if (!code.starts_with(kTextPrefix)) {
       FaultAt("MODIFIERS", key, "unknown code " + Quoted(code));
-    } else if (IsWayOut(section, cell)) {
-      CheckWayOut(section, key, code.substr(kTextPrefix.size()));
+    } else {
+      const std::string text = code.substr(kTextPrefix.size());
+      if (IsWayOut(section, cell)) CheckWayOut(section, key, text);
+      if (IsPatrol(section, cell) && !Destinations(section).contains(text))
+        FaultAt("MODIFIERS", key, "flies to " + Quoted(text) + ", which is no destination here");
     }
   }
 
+  template <class Wanted>
+  static bool Holds(int32_t section, const char* layer, Cell at, const Wanted& wanted) {
+    const RValue map = ds_map_find_value(section, layer);
+    if (!ds_map_owns_map(section, layer)) return false;
+    const RValue code = ds_map_find_value(ValueAsInt32(map), cell_key(at.x, at.y));
+    return code.IsString() && wanted(code.Text());
+  }
+
+  // Whether a text on the cell names the other end of a patrol.
+  static bool IsPatrol(int32_t section, Cell cell) {
+    return Holds(section, "OBJECTS", cell, [](std::string_view code) { return code == "Zephlet"; });
+  }
+
   // Whether a text on the cell tells where something leads: doors fill their cell and the one below.
-  bool IsWayOut(int32_t section, Cell cell) const {
-    const auto holds = [&](const char* layer, Cell at, auto wanted) {
-      const RValue map = ds_map_find_value(section, layer);
-      if (!ds_map_owns_map(section, layer)) return false;
-      const RValue code = ds_map_find_value(ValueAsInt32(map), cell_key(at.x, at.y));
-      return code.IsString() && wanted(code.Text());
-    };
+  static bool IsWayOut(int32_t section, Cell cell) {
     const auto door = [](std::string_view code) { return code.ends_with("Door"); };
     const auto marker = [](std::string_view code) { return code == "Warp Marker"; };
     const auto note = [](std::string_view code) { return code.ends_with("Warp Note Block"); };
-    return holds("MARKERS", cell, door) || holds("MARKERS", {cell.x, cell.y - 1}, door) ||
-           holds("MARKERS", cell, marker) || holds("OBJECTS", cell, note);
+    return Holds(section, "MARKERS", cell, door) || Holds(section, "MARKERS", {cell.x, cell.y - 1}, door) ||
+           Holds(section, "MARKERS", cell, marker) || Holds(section, "OBJECTS", cell, note);
   }
 
   static std::set<std::string> Destinations(int32_t section) {

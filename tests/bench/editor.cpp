@@ -5,8 +5,8 @@
 #include "game/editor/window.h"
 #include "game/level/level_build.h"
 #include "game/level/level_file.h"
-#include "game/text.h"
 #include "sim/Simulation.h"
+#include "tests/support/SolidLevel.h"
 
 #include <benchmark/benchmark.h>
 
@@ -17,19 +17,6 @@
 namespace vesk {
 
 namespace {
-
-std::string SolidLevel() {
-  std::string tiles, objects;
-  for (int cx = 0; cx < 250; ++cx)
-    for (int cy = 0; cy < 32; ++cy) {
-      const std::string key = "\"" + cell_key(cx, cy) + "\":";
-      tiles += (tiles.empty() ? "" : ",") + key + "\"1,4\"";
-      if (cy % 8 == 0) objects += (objects.empty() ? "" : ",") + key + "\"Coin\"";
-    }
-  return R"({"Main":{"HEIGHT":32,"WIDTH":250,"MUSIC":"Cool","BACKGROUND":"Wall","RAIN":0,"DARKNESS":0,"WATER_LEVEL":0,)"
-         R"("WATER_COLOR":"Blue","TILES_BG":{},"MODIFIERS":{},"MARKERS":{},"TILES":{)" +
-         tiles + R"(},"OBJECTS":{)" + objects + "}}}";
-}
 
 std::unique_ptr<Simulation> Started() {
   SimulationSettings settings;

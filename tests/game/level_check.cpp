@@ -2,6 +2,8 @@
 #include "game/level/level_check.h"
 
 #include "Files/Function/Function_Data_Structures.h"
+#include "Files/Graphics/PngImage.h"
+#include "game/text.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -109,7 +111,10 @@ TEST(LevelCheck, CellsAndCodesWithTheirPlace) {
               R"("TILES":{"0,0":"40,2","30,0":"1,1","x":"1,1","03,1":"1,1","1,2":7},"OBJECTS":{"3,4":"Coinn","4,4":"coin"},)"
               R"("MARKERS":{"1,1":"Doors","5,5":"Bomb Door","7,7":"Warp Marker"},)"
               R"("MODIFIERS":{"2,2":"Starr","3,3":"DESTINATION:","5,6":"TEXT:Nowhere","7,7":"TEXT:Boss,Gone"})") +
-          R"(,"Boss":)" + Section("") + "}"),
+          R"(,"Boss":)" +
+          Section(R"("OBJECTS":{"8,2":"Zephlet","9,2":"Zephlet"},)"
+                  R"("MODIFIERS":{"8,2":"TEXT:There","9,2":"TEXT:Here","20,2":"DESTINATION:Here"})") +
+          "}"),
       UnorderedElementsAre(
           "section \"Main\", TILES, cell 0,0: the atlas has no tile \"40,2\"",
           "section \"Main\", TILES, cell 30,0: lies outside the section of 30 by 20",
@@ -123,7 +128,8 @@ TEST(LevelCheck, CellsAndCodesWithTheirPlace) {
           "section \"Main\", MODIFIERS, cell 3,3: the destination has no name",
           "section \"Main\", MODIFIERS, cell 5,6: leads to \"Nowhere\", which is neither a section nor a "
           "destination here",
-          "section \"Main\", MODIFIERS, cell 7,7: section \"Boss\" has no destination \"Gone\""));
+          "section \"Main\", MODIFIERS, cell 7,7: section \"Boss\" has no destination \"Gone\"",
+          "section \"Boss\", MODIFIERS, cell 8,2: flies to \"There\", which is no destination here"));
 }
 
 TEST(LevelCheck, CountsWhatIsInALevel) {
@@ -145,31 +151,167 @@ TEST(LevelCheck, CountsWhatIsInALevel) {
   EXPECT_EQ(sections[0].modifiers, (std::map<std::string, int32_t>{{"TEXT:", 2}}));
 }
 
-TEST(LevelCheck, TheProgramTellsByItsExitCodeAndDraws) {
-  const std::filesystem::path folder = std::filesystem::temp_directory_path() / "vesk-level-test";
-  std::filesystem::create_directories(folder);
-  const std::string good = folder / "good.json", bad = folder / "bad.json", picture = folder / "picture.png";
-  std::ofstream(good) << R"({"Main":)" + Section(R"("TILES":{"3,4":"1,4"})") + "}";
-  std::ofstream(bad) << R"({"Main":)" + Section(R"("OBJECTS":{"3,4":"Coinn"})") + "}";
-  EXPECT_EQ(VeskLevel("check '" + good + "'").code, 0);
-  const Outcome both = VeskLevel("check '" + good + "' '" + bad + "'");
-  EXPECT_EQ(both.code, 1);
-  EXPECT_THAT(both.output, testing::HasSubstr("OBJECTS, cell 3,4: unknown code \"Coinn\""));
-  EXPECT_EQ(VeskLevel("check '" + (folder / "none.json").string() + "'").code, 1);
+namespace {
+
+// A folder of the test's own with level files in it.
+class LevelFolder {
+public:
+  LevelFolder() {
+    std::string name = (std::filesystem::temp_directory_path() / "vesk-level-XXXXXX").string();
+    m_folder = mkdtemp(name.data());
+  }
+  ~LevelFolder() { std::filesystem::remove_all(m_folder); }
+
+  std::string Path(const std::string& name) const { return (m_folder / name).string(); }
+  std::string Write(const std::string& name, const std::string& text) const {
+    std::ofstream(Path(name)) << text;
+    return Path(name);
+  }
+  // What `render` draws; the test fails when it doesn't.
+  PngImage Render(const std::string& level, const std::string& options = "") const {
+    const std::string picture = Path("picture.png");
+    const Outcome outcome = VeskLevel("render '" + level + "' " + options + " -o '" + picture + "'");
+    EXPECT_EQ(outcome.code, 0) << outcome.output;
+    std::ifstream file(picture, std::ios::binary);
+    const std::string bytes((std::istreambuf_iterator<char>(file)), {});
+    PngImage image;
+    std::string why;
+    EXPECT_TRUE(Png_Decode(reinterpret_cast<const uint8_t*>(bytes.data()),
+                           static_cast<uint32_t>(bytes.size()), image, why))
+        << why;
+    return image;
+  }
+
+private:
+  std::filesystem::path m_folder;
+};
+
+std::array<uint8_t, 3> PixelAt(const PngImage& image, int x, int y) {
+  const size_t at = (static_cast<size_t>(y) * static_cast<size_t>(image.width) + static_cast<size_t>(x)) * 4;
+  return {image.pixels[at], image.pixels[at + 1], image.pixels[at + 2]};
+}
+
+// 30 by 20 cells, larger than what is drawn at a time, with one and the same tile everywhere.
+constexpr int kColumns = 30, kRows = 20;
+std::string UniformLevel(const std::string& layers) {
+  std::string tiles;
+  for (int cx = 0; cx < kColumns; ++cx)
+    for (int cy = 0; cy < kRows; ++cy)
+      tiles += (tiles.empty() ? "\"" : ",\"") + cell_key(cx, cy) + "\":\"2,5\"";
+  return R"({"Main":)" + Section("\"TILES\":{" + tiles + "}" + (layers.empty() ? "" : ",") + layers) + "}";
+}
+
+} // namespace
+
+TEST(LevelProgram, TellsByItsExitCodeAndInWords) {
+  const LevelFolder folder;
+  const std::string good =
+      folder.Write("good.json", R"({"Main":)" + Section(R"("TILES":{"3,4":"1,4"})") + "}");
+  const std::string bad =
+      folder.Write("bad.json", R"({"Main":)" + Section(R"("OBJECTS":{"3,4":"Coinn"})") + "}");
+  const std::string none = folder.Path("none.json");
+  const Outcome fine = VeskLevel("check '" + good + "'");
+  EXPECT_EQ(fine.code, 0);
+  EXPECT_EQ(fine.output, good + ": all well\n");
+  const Outcome all = VeskLevel("check '" + bad + "' '" + none + "' '" + good + "'");
+  EXPECT_EQ(all.code, 1);
+  EXPECT_THAT(all.output,
+              testing::HasSubstr(bad + ": section \"Main\", OBJECTS, cell 3,4: unknown code \"Coinn\"\n"));
+  EXPECT_THAT(all.output, testing::HasSubstr(none + ": "));
+  EXPECT_THAT(all.output, testing::HasSubstr(good + ": all well\n")); // whatever stood before it
+  EXPECT_EQ(VeskLevel("check '" + none + "'").code, 1);
+  EXPECT_EQ(VeskLevel("check").code, 2);
   EXPECT_EQ(VeskLevel("examine").code, 2);
-  EXPECT_THAT(VeskLevel("info '" + good + "'").output, testing::HasSubstr("30 by 20 cells"));
-  const Outcome drawn = VeskLevel("render '" + good + "' -o '" + picture + "'");
-  EXPECT_EQ(drawn.code, 0) << drawn.output;
-  std::ifstream file(picture, std::ios::binary);
-  std::string head(24, '\0');
-  file.read(head.data(), 24);
-  const auto number = [&](size_t at) {
-    return static_cast<unsigned char>(head[at]) * 256 + static_cast<unsigned char>(head[at + 1]);
+  EXPECT_EQ(VeskLevel("info '" + none + "'").code, 1);
+}
+
+TEST(LevelProgram, InfoCounts) {
+  const LevelFolder folder;
+  const std::string level = folder.Write(
+      "level.json",
+      R"({"Main":)" +
+          Section(R"("TILES":{"3,4":"1,4","4,4":"1,4"},"OBJECTS":{"1,1":"Key","2,1":"Coin","3,1":"Coin"},)"
+                  R"("MARKERS":{"6,6":"Door"},"MODIFIERS":{"6,6":"TEXT:Here","7,7":"DESTINATION:Here"})") +
+          "}");
+  const Outcome info = VeskLevel("info '" + level + "'");
+  EXPECT_EQ(info.code, 0);
+  EXPECT_EQ(info.output,
+            level +
+                ": 1 section\n"
+                "  \"Main\": 30 by 20 cells, music Cool, background Wall, Blue water of 3 cells, darkness\n"
+                "    MARKERS 1, MODIFIERS 2, OBJECTS 3, TILES 2, TILES_BG 0\n"
+                "    objects: Coin 2, Key 1\n"
+                "    modifiers: DESTINATION: 1, TEXT: 1\n"
+                "    markers: Door 1\n");
+}
+
+TEST(LevelProgram, RendersASectionWithoutSeams) {
+  const LevelFolder folder;
+  const std::string level = folder.Write("uniform.json", UniformLevel(""));
+  for (const char* options : {"", "--no-lights --no-water"}) {
+    SCOPED_TRACE(options);
+    const PngImage image = folder.Render(level, options);
+    ASSERT_EQ(image.width, kColumns * 16);
+    ASSERT_EQ(image.height, kRows * 16);
+    // The same from cell to cell, above the water downwards too.
+    const int surface = std::string_view(options).ends_with("--no-water") ? kRows * 16 : (kRows - 3) * 16;
+    int64_t odd = 0;
+    for (int y = 0; y < image.height; ++y)
+      for (int x = 0; x < image.width; ++x) {
+        if (x >= 16) odd += PixelAt(image, x, y) != PixelAt(image, x - 16, y);
+        if (y >= 16 && y < surface) odd += PixelAt(image, x, y) != PixelAt(image, x, y - 16);
+      }
+    EXPECT_EQ(odd, 0);
+  }
+}
+
+TEST(LevelProgram, LightsWaterAndGridAreDrawnByChoice) {
+  const LevelFolder folder;
+  // One torch far from where two pieces of the picture meet, one right there.
+  const std::string level =
+      folder.Write("lights.json", UniformLevel(R"("OBJECTS":{"8,9":"Torch Fire","19,9":"Torch Fire"})"));
+  const PngImage lit = folder.Render(level), plain = folder.Render(level, "--no-lights"),
+                 dry = folder.Render(level, "--no-water"), ruled = folder.Render(level, "--grid");
+  int64_t odd = 0, below = 0, above = 0, off_grid = 0, on_grid = 0;
+  for (int y = 0; y < lit.height; ++y)
+    for (int x = 0; x < lit.width; ++x) {
+      if (x >= 4 * 16 && x < 13 * 16) odd += PixelAt(lit, x, y) != PixelAt(lit, x + 11 * 16, y);
+      (y < (kRows - 3) * 16 ? above : below) += PixelAt(lit, x, y) != PixelAt(dry, x, y);
+      (x % 16 == 0 || y % 16 == 0 ? on_grid : off_grid) += PixelAt(lit, x, y) != PixelAt(ruled, x, y);
+    }
+  EXPECT_EQ(odd, 0) << "a torch's light is another where pieces meet";
+  EXPECT_EQ(above, 0);
+  EXPECT_GT(below, 1000);
+  EXPECT_EQ(off_grid, 0);
+  EXPECT_GT(on_grid, 1000);
+  const auto brightness = [](const PngImage& image, int x, int y) {
+    int sum = 0;
+    for (int dy = 0; dy < 16; ++dy)
+      for (int dx = 0; dx < 16; ++dx)
+        for (const uint8_t channel : PixelAt(image, x * 16 + dx, y * 16 + dy)) sum += channel;
+    return sum;
   };
-  EXPECT_EQ(number(18), 30 * 16);
-  EXPECT_EQ(number(22), 20 * 16);
-  EXPECT_EQ(VeskLevel("render '" + good + "' --section Gone -o '" + picture + "'").code, 1);
-  std::filesystem::remove_all(folder);
+  EXPECT_GT(brightness(lit, 9, 9), 2 * brightness(lit, 28, 9)); // beside the torch, and far from both
+  EXPECT_EQ(brightness(plain, 10, 9), brightness(plain, 28, 9));
+}
+
+TEST(LevelProgram, SaysWhyItCantRender) {
+  const LevelFolder folder;
+  const std::string good = folder.Write("good.json", R"({"Main":)" + Section("") + "}");
+  const std::string bad = folder.Write("bad.json", "{");
+  const auto said = [&](const std::string& arguments) {
+    const Outcome outcome = VeskLevel("render " + arguments);
+    EXPECT_EQ(outcome.code, 1) << outcome.output;
+    return outcome.output;
+  };
+  const std::string picture = " -o '" + folder.Path("p.png") + "'";
+  EXPECT_THAT(said("'" + good + "' --section Gone" + picture), testing::HasSubstr("Gone"));
+  EXPECT_THAT(said("'" + bad + "'" + picture), testing::HasSubstr("not JSON text of a level"));
+  EXPECT_THAT(said("'" + folder.Path("none.json") + "'" + picture), testing::HasSubstr("none.json"));
+  EXPECT_FALSE(std::filesystem::exists(folder.Path("p.png")));
+  EXPECT_THAT(said("'" + good + "' -o '" + folder.Path("nowhere/p.png") + "'"),
+              testing::HasSubstr("can't be written"));
+  EXPECT_EQ(VeskLevel("render '" + good + "'").code, 2);
 }
 
 } // namespace vesk

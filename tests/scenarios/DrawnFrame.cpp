@@ -16,6 +16,7 @@
 #include <cmath>
 #include <cstring>
 #include <map>
+#include <ostream>
 #include <tuple>
 
 namespace vesk {
@@ -30,6 +31,7 @@ struct Source {
   std::string name;
   int32_t frame;
   const PageEntry* entry;
+  int32_t column = 0, row = 0; // of a part of it
 };
 
 // Where each picture comes from, so that it can be told by its place on a texture page.
@@ -43,12 +45,15 @@ public:
       if (background) Add({background->name, 0, background->page});
   }
 
-  const Source* Find(TextureHandle texture, float left, float top) const {
+  // An entry that is none's is a plain area.
+  Source Find(TextureHandle texture, float u, float v) const {
     const auto size = m_sizes.find(texture);
-    if (size == m_sizes.end()) return nullptr;
-    const auto found = m_sources.find({texture, std::lround(left * static_cast<float>(size->second.first)),
-                                       std::lround(top * static_cast<float>(size->second.second))});
-    return found == m_sources.end() ? nullptr : &found->second;
+    if (size == m_sizes.end()) return {"", 0, nullptr};
+    const long left = std::lround(u * static_cast<float>(size->second.first)),
+               top = std::lround(v * static_cast<float>(size->second.second));
+    if (const auto found = m_sources.find({texture, left, top}); found != m_sources.end())
+      return found->second;
+    return PartOf(texture, static_cast<int32_t>(left), static_cast<int32_t>(top));
   }
 
 private:
@@ -57,6 +62,16 @@ private:
     if (!page) return;
     m_sizes[page->handle] = {page->realWidth, page->realHeight};
     m_sources.try_emplace({page->handle, source.entry->sourceX, source.entry->sourceY}, source);
+  }
+  static Source PartOf(TextureHandle texture, int32_t left, int32_t top) {
+    for (const auto& background : Backgrounds().table) {
+      const PageEntry* entry = background ? background->page : nullptr;
+      if (!entry || Texture_Get(entry->texture) != texture) continue;
+      const int32_t column = left - entry->sourceX, row = top - entry->sourceY;
+      if (column >= 0 && row >= 0 && column < entry->sourceWidth && row < entry->sourceHeight)
+        return {background->name, 0, nullptr, column, row};
+    }
+    return {"", 0, nullptr};
   }
 
   std::map<TextureHandle, std::pair<int32_t, int32_t>> m_sizes; // pixels
@@ -83,25 +98,25 @@ public:
     for (const TexturedVertex& v : corner)
       box = {std::min<double>(box.left, v.x), std::min<double>(box.top, v.y),
              std::max<double>(box.right, v.x), std::max<double>(box.bottom, v.y)};
-    const Source* source =
+    const Source source =
         stride == sizeof(TexturedVertex)
             ? m_pages.Find(texture, std::min(corner[0].u, corner[2].u), std::min(corner[0].v, corner[2].v))
-            : nullptr;
+            : Source{"", 0, nullptr};
     if (const Glyph* glyph = GlyphOf(source))
-      AddLetter({static_cast<char>(glyph->character), box.left - source->entry->targetX - glyph->offset,
-                 box.top - source->entry->targetY, static_cast<double>(glyph->advance), box});
+      AddLetter({static_cast<char>(glyph->character), box.left - source.entry->targetX - glyph->offset,
+                 box.top - source.entry->targetY, static_cast<double>(glyph->advance), box});
     else
       m_frame.pictures.push_back(
-          {source ? source->name : "", source ? source->frame : 0, box, corner[0].colour});
+          {source.name, source.frame, source.column, source.row, box, corner[0].colour});
   }
   DrawnFrame Take() { return std::move(m_frame); }
 
 private:
-  const Glyph* GlyphOf(const Source* source) const {
+  const Glyph* GlyphOf(const Source& source) const {
     const CSprite* letters = m_font ? Sprite_Find(m_font->spriteIndex) : nullptr;
-    if (!source || !letters || source->name != letters->name) return nullptr;
+    if (!source.entry || !letters || source.name != letters->name) return nullptr;
     for (const Glyph& glyph : m_font->glyphs)
-      if (glyph.frame == source->frame && glyph.character != ' ') return &glyph;
+      if (glyph.frame == source.frame && glyph.character != ' ') return &glyph;
     return nullptr;
   }
 
@@ -160,6 +175,11 @@ std::string Box::Words() const {
   return "(" + word(left) + "," + word(top) + " to " + word(right) + "," + word(bottom) + ")";
 }
 
+std::ostream& operator<<(std::ostream& out, const DrawnPicture& picture) {
+  return out << Name(picture) << " part " << picture.column << "," << picture.row << " colour " << std::hex
+             << picture.colour << std::dec;
+}
+
 const DrawnPicture* DrawnFrame::Find(const std::string& name) const {
   const auto found = std::find_if(pictures.rbegin(), pictures.rend(),
                                   [&](const DrawnPicture& picture) { return picture.name == name; });
@@ -176,7 +196,11 @@ std::string DrawnFrame::Words() const {
   return words;
 }
 
-DrawnFrame LookAtFrame(EditorDesk& desk) {
+namespace {
+
+using Call = CRecordingDevice::Call;
+
+std::vector<Call> CallsOfAFrame(EditorDesk& desk) {
   auto* device = dynamic_cast<CRecordingDevice*>(Graphics().device.get());
   EXPECT_NE(device, nullptr) << "the game runs on another device";
   if (!device) return {};
@@ -184,20 +208,41 @@ DrawnFrame LookAtFrame(EditorDesk& desk) {
   device->keep = true;
   desk.Step();
   device->keep = false;
-  size_t begin = 0; // of the layer that is drawn into the window itself, the last that draws anything
-  for (size_t at = 0, target = 0; at < device->calls.size(); ++at) {
-    if (device->calls[at].kind == CRecordingDevice::Kind::Target) target = at;
-    if (device->calls[at].kind == CRecordingDevice::Kind::Draw) begin = target;
-  }
+  std::vector<Call> calls = std::move(device->calls);
+  device->Forget();
+  return calls;
+}
+
+// From a change of target to the next.
+DrawnFrame Read(EditorDesk& desk, const std::vector<Call>& calls, size_t begin) {
   Reader reader(static_cast<int32_t>(desk.Global("font")));
-  for (size_t at = begin; at < device->calls.size(); ++at) {
-    const CRecordingDevice::Call& call = device->calls[at];
+  for (size_t at = begin + 1; at < calls.size() && calls[at].kind != CRecordingDevice::Kind::Target; ++at) {
+    const Call& call = calls[at];
     if (call.kind != CRecordingDevice::Kind::Draw || call.primitive != pr_trianglelist) continue;
     for (int32_t vertex = 0; vertex + 6 <= call.count; vertex += 6)
       reader.Add(call.texture, call.data.data() + static_cast<ptrdiff_t>(vertex) * call.stride, call.stride);
   }
-  device->Forget();
   return reader.Take();
+}
+
+} // namespace
+
+DrawnFrame LookAtFrame(EditorDesk& desk) {
+  const std::vector<Call> calls = CallsOfAFrame(desk);
+  size_t begin = 0; // of the layer that is drawn into the window itself, the last that draws anything
+  for (size_t at = 0, target = 0; at < calls.size(); ++at) {
+    if (calls[at].kind == CRecordingDevice::Kind::Target) target = at;
+    if (calls[at].kind == CRecordingDevice::Kind::Draw) begin = target;
+  }
+  return Read(desk, calls, begin);
+}
+
+DrawnFrame LookAtRoom(EditorDesk& desk) {
+  const std::vector<Call> calls = CallsOfAFrame(desk);
+  const auto begin = std::ranges::find_if(calls, [](const Call& call) {
+    return call.kind == CRecordingDevice::Kind::Target && call.texture != 0; // the application surface
+  });
+  return Read(desk, calls, static_cast<size_t>(begin - calls.begin()));
 }
 
 std::vector<std::string> Misfits(const DrawnFrame& frame) {

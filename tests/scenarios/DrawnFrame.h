@@ -1,6 +1,7 @@
 #pragma once
-// What a frame draws over the map, in the GUI layer: pictures by name and lines of text, in view pixels.
+// What a frame draws into the room or over it: pictures by name and lines of text.
 #include <cstdint>
+#include <iosfwd>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,7 @@ struct Box {
     return inner.left >= left && inner.right <= right && inner.top >= top && inner.bottom <= bottom;
   }
   bool HoldsPoint(double x, double y) const { return x >= left && x < right && y >= top && y < bottom; }
+  bool operator==(const Box&) const = default;
   bool Touches(const Box& other) const {
     return left < other.right && other.left < right && top < other.bottom && other.top < bottom;
   }
@@ -22,11 +24,15 @@ struct Box {
 };
 
 struct DrawnPicture {
-  std::string name; // of a sprite or background; "" for a plain area
-  int32_t frame;
-  Box box;         // without what is empty around the picture
-  uint32_t colour; // ARGB
+  std::string name;    // of a sprite or background; "" for a plain area
+  int32_t frame;       // of a sprite
+  int32_t column, row; // of a part of a background: where it begins in it, pixels
+  Box box;             // without what is empty around the picture
+  uint32_t colour;     // ARGB
+
+  bool operator==(const DrawnPicture&) const = default;
 };
+std::ostream& operator<<(std::ostream& out, const DrawnPicture& picture);
 
 struct DrawnLine {
   std::string text;
@@ -44,8 +50,9 @@ struct DrawnFrame {
   std::string Words() const;                               // all lines
 };
 
-// Runs a frame and looks at what it drew.
+// Runs a frame and looks at what it drew over the room, in view pixels, or into it, in room pixels.
 DrawnFrame LookAtFrame(EditorDesk& desk);
+DrawnFrame LookAtRoom(EditorDesk& desk);
 
 // What is wrong with the frame's texts and buttons, a sentence each: a line that leaves the view or the
 // picture that it begins on, that something covers, or that runs into another line; buttons that overlap.

@@ -8,7 +8,6 @@
 #include "apps/container/EmbeddedContainer.h"
 #include "game/level/level_build.h"
 #include "sim/Look.h"
-#include "sim/Picture.h"
 
 #include <gtest/gtest.h>
 
@@ -194,12 +193,6 @@ std::vector<std::string> EditorDesk::Sections() const {
   for (RValue key = ds_map_find_first(root); !key.IsUndefined(); key = ds_map_find_next(root, key))
     names.push_back(ValueAsText(key));
   return names;
-}
-
-int64_t EditorDesk::QuadsAtRest() {
-  MoveTo(373, 31); // on the toolbar, beside its buttons
-  Step();
-  return LastFrameDraws().quads;
 }
 
 std::vector<std::string> EditorDesk::SoundsStarted() const { return Audio_TakeStarted(); }

@@ -80,8 +80,6 @@ public:
   double Setting(const std::string& key) const;
   std::string SettingText(const std::string& key) const;
   std::vector<std::string> Sections() const;
-  // What the frame drew besides what moves with the mouse: the mouse rests on the toolbar meanwhile.
-  int64_t QuadsAtRest();
   std::vector<std::string> SoundsStarted() const; // since the last call
   // Fails when the game has reported anything fatal.
   void ExpectHealthy() const;

@@ -1,14 +1,18 @@
 // Drawing a section with the mouse: placing, stamps, fills, erasing, saving, and the map that holds it all.
+#include "tests/scenarios/DrawnFrame.h"
 #include "tests/scenarios/EditorDesk.h"
 
 #include "game/GameTables.h"
 #include "game/level/catalogue.h"
 #include "game/level/level_build.h"
+#include "game/text.h"
+#include "sim/Look.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <iostream>
+#include <random>
 #include <set>
 
 namespace vesk {
@@ -29,6 +33,17 @@ std::string Replaced(std::string text, const std::string& part, const std::strin
   const size_t at = text.find(part);
   EXPECT_NE(at, std::string::npos) << part;
   return at == std::string::npos ? text : text.replace(at, part.size(), with);
+}
+
+void Open(EditorDesk& desk, const std::string& level, const std::string& text) {
+  desk.Write(level, text);
+  ASSERT_EQ(desk.Game().Edit(desk.Directory() + "/Level/" + level + ".json", "Main"), "");
+  desk.MoveTo(192, 108);
+}
+
+std::string SmallLevel() {
+  return Replaced(Replaced(kNewLevel, "250.000000", "24.000000"), "\"HEIGHT\": 32.000000",
+                  "\"HEIGHT\": 14.000000");
 }
 
 } // namespace
@@ -76,7 +91,31 @@ TEST(EditorDrawing, ANewLevelIsNamedDrawnAndSavedToTheExpectedBytes) {
   EXPECT_EQ(desk.Read("My first"), drawn + "\n"); // what was loaded is saved as it was
 }
 
-// Each entry of each palette stands on the map and shows there.
+namespace {
+
+// What stands in the room at the cell under the mouse, with all that moves at its first frame.
+DrawnFrame ShownOfThings(EditorDesk& desk, int cx, int cy) {
+  desk.MoveToCell(cx, cy);
+  for (const int object : {obj_editor_sticky, obj_editor_placeparent})
+    for (CInstance* it : InstancesOf(object))
+      if (ValueAsReal(ReadVariable(it, {"image_speed", kNoIndex})) != 0)
+        WriteVariable(it, {"image_index", kNoIndex}, RValue(0));
+  DrawnFrame frame = LookAtRoom(desk);
+  std::erase_if(frame.pictures, [](const DrawnPicture& picture) {
+    return picture.name.empty() || picture.name.starts_with("bg_");
+  });
+  return frame;
+}
+
+template <class Rows> std::vector<std::string> Codes(const Rows& rows) {
+  std::vector<std::string> codes;
+  for (const auto& row : rows) codes.emplace_back(row.code);
+  return codes;
+}
+
+} // namespace
+
+// Each entry of each palette shows at the mouse, stands on the map as it showed, and is rubbed out whole.
 TEST(EditorDrawing, EveryButtonOfEveryPalettePlacesItsCodeAndDrawsIt) {
   struct Tab {
     const char* tool;
@@ -96,7 +135,8 @@ TEST(EditorDrawing, EveryButtonOfEveryPalettePlacesItsCodeAndDrawsIt) {
   };
   EditorDesk desk;
   desk.OpenNew("All");
-  std::map<std::string, std::set<std::string>> placed;
+  std::map<std::string, std::vector<std::string>> placed;
+  size_t letters = 0;
   for (const Tab& tab : kTabs) {
     SCOPED_TRACE(std::string(tab.tool) + " " + tab.notify);
     for (size_t entry = 0; entry < tab.entries; ++entry) {
@@ -106,29 +146,30 @@ TEST(EditorDrawing, EveryButtonOfEveryPalettePlacesItsCodeAndDrawsIt) {
                  63 + static_cast<double>(entry / 15) * 24 + 11);
       ASSERT_EQ(desk.Count(obj_editor_sticky), 1u) << entry;
       const std::string code = desk.Text(obj_editor_sticky, "o_name");
+      SCOPED_TRACE(code);
       desk.Step(6);
-      desk.Tap(kKeyEscape); // nothing in hand, so that only the map is counted
-      const int64_t before = desk.QuadsAtRest();
-      desk.ClickButton(tab.tool);
-      if (*tab.notify) desk.ClickNotify(tab.notify);
-      desk.Click(13 + static_cast<double>(entry % 15) * 24 + 11,
-                 63 + static_cast<double>(entry / 15) * 24 + 11);
-      desk.Step(6);
+      const DrawnFrame preview = ShownOfThings(desk, 10, 8);
+      EXPECT_EQ(desk.Count(obj_editor_light), 0u);
       desk.ClickCell(10, 8);
       EXPECT_THAT(desk.Layer(tab.layer), ElementsAre(Pair("10,8", code)));
       desk.Tap(kKeyEscape);
-      EXPECT_GT(desk.QuadsAtRest(), before) << code << " shows nothing";
+      const DrawnFrame shown = ShownOfThings(desk, 10, 8);
+      EXPECT_GT(shown.pictures.size() + shown.lines.size(), 0u);
+      EXPECT_EQ(shown.pictures, preview.pictures);
+      EXPECT_EQ(shown.Words(), preview.Words());
+      letters += shown.Words().size();
       desk.ClickCell(10, 8, Mouse::kRight);
       EXPECT_THAT(desk.Layer(tab.layer), IsEmpty());
-      EXPECT_EQ(desk.QuadsAtRest(), before) << code << " leaves something behind";
-      placed[tab.layer].insert(code);
+      EXPECT_EQ(desk.Count(obj_editor_placeparent) + desk.Count(obj_editor_light), 0u);
+      const DrawnFrame erased = ShownOfThings(desk, 10, 8);
+      EXPECT_EQ(erased.pictures.size() + erased.lines.size(), 0u);
+      placed[tab.layer].push_back(code);
     }
   }
-  EXPECT_EQ(placed["OBJECTS"].size(), ObjectCatalogue().size());
-  EXPECT_EQ(placed["MARKERS"].size(), MarkerCatalogue().size());
-  EXPECT_EQ(placed["MODIFIERS"].size(), ModifierCatalogue().size());
-  for (const CatalogueRow& row : ObjectCatalogue())
-    EXPECT_TRUE(placed["OBJECTS"].contains(std::string(row.code)));
+  EXPECT_EQ(placed["OBJECTS"], Codes(ObjectCatalogue()));
+  EXPECT_EQ(placed["MARKERS"], Codes(MarkerCatalogue()));
+  EXPECT_EQ(placed["MODIFIERS"], Codes(ModifierCatalogue()));
+  EXPECT_GT(letters, 50u); // the tags were read
 }
 
 TEST(EditorDrawing, TheClickThatChoosesNeverPlaces) {
@@ -172,13 +213,12 @@ TEST(EditorDrawing, DraggingPaintsAndTakenCellsStayAsTheyAre) {
 
 TEST(EditorDrawing, AStampOverTheEdgePlacesWhatFits) {
   EditorDesk desk;
-  desk.Write("Edge", Replaced(Replaced(kNewLevel, "250.000000", "24.000000"), "\"HEIGHT\": 32.000000",
-                              "\"HEIGHT\": 14.000000"));
-  EXPECT_EQ(desk.Game().Edit(desk.Directory() + "/Level/Edge.json", "Main"), "");
-  desk.MoveTo(192, 108);
+  Open(desk, "Edge", SmallLevel());
   desk.Hold(kKeyRight);
+  desk.Hold(kKeyDown);
   desk.Step(10);
   desk.Release(kKeyRight);
+  desk.Release(kKeyDown);
   desk.ChooseTiles(1, 3, 3, 3);
   desk.ClickCell(22, 7);
   EXPECT_EQ(desk.Layer("TILES"), (Cells{{"22,7", "1,3"},
@@ -190,6 +230,23 @@ TEST(EditorDrawing, AStampOverTheEdgePlacesWhatFits) {
   desk.ClickCell(24, 7); // outside
   EXPECT_EQ(desk.Layer("TILES").size(), 6u);
   EXPECT_EQ(desk.Real(obj_editor_sticky, "mtt_x"), 3);
+  // Over the bottom, around a cell that is taken already.
+  desk.Tap(kKeyEscape);
+  for (const int cx : {22, 23})
+    for (const int cy : {7, 8, 9}) desk.ClickCell(cx, cy, Mouse::kRight);
+  desk.ChooseTiles(9, 4);
+  desk.ClickCell(19, 13);
+  desk.ChooseTiles(1, 3, 3, 3);
+  desk.ClickCell(18, 12);
+  EXPECT_EQ(desk.Layer("TILES"), (Cells{{"18,12", "1,3"},
+                                        {"19,12", "2,3"},
+                                        {"20,12", "3,3"},
+                                        {"18,13", "1,4"},
+                                        {"19,13", "9,4"},
+                                        {"20,13", "3,4"}}));
+  EXPECT_EQ(CountTiles(kTileDepth), 6);
+  desk.ClickCell(19, 13); // the corner is taken: nothing of the stamp is placed
+  EXPECT_EQ(desk.Layer("TILES").size(), 6u);
 }
 
 // A ring with a gap at a corner, which a flood can't pass and a diagonal can.
@@ -243,6 +300,82 @@ TEST(EditorDrawing, FillsAndErasesOfAnOddRegion) {
   desk.Release('C');
   EXPECT_EQ(desk.Layer("TILES"), ring);
   EXPECT_EQ(desk.Count(obj_editor_fill_tool), 0u);
+}
+
+namespace {
+
+// What a fill reaches, found by looking over and over for a cell that the rule lets one more step reach.
+std::set<std::pair<int, int>> Reached(const std::set<std::pair<int, int>>& open, std::pair<int, int> from,
+                                      bool diagonal) {
+  std::set<std::pair<int, int>> reached{from};
+  for (bool grows = true; grows;) {
+    grows = false;
+    for (const auto& [x, y] : open) {
+      if (reached.contains({x, y})) continue;
+      const auto beside = [&](int dx, int dy) { return reached.contains({x + dx, y + dy}); };
+      if (diagonal ? beside(-1, -1) || beside(1, -1) || beside(-1, 1) || beside(1, 1)
+                   : beside(-1, 0) || beside(1, 0) || beside(0, -1) || beside(0, 1))
+        grows |= reached.insert({x, y}).second;
+    }
+  }
+  return reached;
+}
+
+} // namespace
+
+TEST(EditorDrawing, FillsAndErasesOfRandomRegionsReachWhatTheRuleReaches) {
+  std::mt19937 chance(3);
+  for (int round = 0; round < 12; ++round) {
+    SCOPED_TRACE(round);
+    const bool diagonal = round % 2 == 1;
+    const int key = diagonal ? int{'C'} : int{kKeyShift};
+    std::string walls;
+    std::set<std::pair<int, int>> open;
+    for (int cx = 0; cx < 24; ++cx)
+      for (int cy = 0; cy < 14; ++cy)
+        if (chance() % 100 < (diagonal ? 30u : 38u))
+          walls += (walls.empty() ? "" : ",") + ("\"" + cell_key(cx, cy)) + "\": \"3,3\"";
+        else
+          open.insert({cx, cy});
+    std::pair<int, int> from;
+    do from = {3 + static_cast<int>(chance() % 18), 3 + static_cast<int>(chance() % 9)};
+    while (!open.contains(from));
+    EditorDesk desk;
+    Open(desk, "Random", Replaced(SmallLevel(), "\"TILES\": { }", "\"TILES\": {" + walls + "}"));
+    const Cells before = desk.Layer("TILES");
+    Cells filled = before;
+    for (const auto& [cx, cy] : Reached(open, from, diagonal)) filled[cell_key(cx, cy)] = "5,5";
+    desk.ChooseTiles(5, 5);
+    desk.Hold(key);
+    desk.ClickCell(from.first, from.second);
+    EXPECT_EQ(desk.Layer("TILES"), filled);
+    EXPECT_EQ(CountTiles(kTileDepth), static_cast<int>(filled.size()));
+    desk.ClickCell(from.first, from.second, Mouse::kRight);
+    desk.Release(key);
+    EXPECT_EQ(desk.Layer("TILES"), before);
+    EXPECT_EQ(CountTiles(kTileDepth), static_cast<int>(before.size()));
+  }
+}
+
+// A file may hold cells beyond the section's edge; they can be rubbed out as well.
+TEST(EditorDrawing, WhatStandsOutsideTheSectionCanBeErased) {
+  EditorDesk desk;
+  Open(desk, "Outside",
+       Replaced(SmallLevel(), "\"TILES\": { }",
+                R"("TILES": {"-1,6":"3,3","-2,6":"3,3","-1,7":"3,3","-1,8":"5,5","-2,8":"3,3"})"));
+  desk.Hold(kKeyLeft);
+  desk.Step(16);
+  desk.Release(kKeyLeft);
+  desk.ChooseTiles(3, 3);
+  desk.Hold(kKeyShift);
+  desk.ClickCell(-1, 6, Mouse::kRight);
+  desk.Release(kKeyShift);
+  EXPECT_EQ(desk.Layer("TILES"), (Cells{{"-1,8", "5,5"}, {"-2,8", "3,3"}}));
+  EXPECT_EQ(CountTiles(kTileDepth), 2);
+  desk.ClickCell(-1, 8, Mouse::kRight);
+  EXPECT_EQ(desk.Layer("TILES"), (Cells{{"-2,8", "3,3"}}));
+  desk.ClickCell(-1, 8); // but not drawn
+  EXPECT_EQ(desk.Layer("TILES").size(), 1u);
 }
 
 TEST(EditorDrawing, ErasingWithAndWithoutAChoice) {
@@ -321,6 +454,47 @@ TEST(EditorDrawing, TextsAndDestinationsTakeWhatWasTyped) {
   const size_t typed = desk.Text(obj_keyreader, "words").size();
   EXPECT_GT(typed, 100u);
   EXPECT_LT(typed, 300u); // four lines of the box
+}
+
+// ---- what is shown at the mouse ----
+
+TEST(EditorDrawing, TheCellAndTheChoiceShowAtTheMouse) {
+  constexpr uint32_t kGreen = 0x66008000, kRed = 0x66FF0000; // at four tenths
+  EditorDesk desk;
+  desk.OpenNew("Mouse");
+  const auto marked = [](const DrawnFrame& frame, Box cell, uint32_t colour) {
+    return std::ranges::any_of(frame.pictures, [&](const DrawnPicture& picture) {
+      return picture.name.empty() && picture.box == cell && picture.colour == colour;
+    });
+  };
+  const Box cell = {10 * 16, 6 * 16, 11 * 16, 7 * 16};
+  desk.MoveToCell(10, 6);
+  EXPECT_TRUE(marked(LookAtRoom(desk), cell, kGreen));
+  EXPECT_NE(LookAtFrame(desk).Find("spr_target")->frame, -1);
+  desk.Down(Mouse::kRight);
+  EXPECT_TRUE(marked(LookAtRoom(desk), cell, kRed));
+  desk.Up(Mouse::kRight);
+
+  desk.Choose("Item", "", "Big Ice");
+  desk.MoveToCell(10, 6);
+  const DrawnPicture* preview = LookAtRoom(desk).Find("spr_ice_big");
+  ASSERT_NE(preview, nullptr);
+  EXPECT_EQ(preview->box.left, cell.left);
+  EXPECT_EQ(preview->box.top, cell.top);
+  EXPECT_EQ(LookAtFrame(desk).Find("spr_target")->frame, 1);
+  desk.Down(Mouse::kRight);
+  EXPECT_EQ(LookAtRoom(desk).Find("spr_ice_big"), nullptr); // while it erases
+  desk.Up(Mouse::kRight);
+  desk.MoveTo(200, 20);
+  EXPECT_EQ(LookAtRoom(desk).Find("spr_ice_big"), nullptr); // over the toolbar
+
+  desk.ChooseTiles(1, 3, 3, 2);
+  desk.MoveToCell(10, 6);
+  const DrawnFrame stamp = LookAtRoom(desk);
+  ASSERT_NE(stamp.Find("bg_tiles"), nullptr);
+  EXPECT_EQ(stamp.Find("bg_tiles")->box, (Box{10 * 16, 6 * 16, 13 * 16, 8 * 16}));
+  EXPECT_EQ(stamp.Find("bg_tiles")->column, 16);
+  EXPECT_EQ(stamp.Find("bg_tiles")->row, 48);
 }
 
 // ---- the section's size and the view ----

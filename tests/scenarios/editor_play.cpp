@@ -80,6 +80,35 @@ TEST(EditorPlay, ATestComesBackWithItsViewAndTheUnsavedTree) {
   EXPECT_EQ(desk.Layer("OBJECTS").size(), 2u);
 }
 
+TEST(EditorPlay, ATestStartsInMainWhateverSectionIsShown) {
+  EditorDesk desk;
+  desk.OpenNew("Two");
+  DrawFloor(desk);
+  desk.ClickButton("Sections");
+  desk.Type("Attic");
+  desk.ClickNotify("?CREATE SECTION");
+  desk.ClickNotify("Attic");
+  desk.Step(40);
+  desk.Choose("Item", "", "Key");
+  desk.ClickCell(6, 6);
+  ASSERT_EQ(desk.GlobalText("section"), "Attic");
+  StartTest(desk);
+  EXPECT_EQ(desk.GlobalText("section"), "Main");
+  EXPECT_EQ(desk.Count(obj_key), 0u);
+  Pause(desk);
+  desk.Tap(kKeyDown);
+  desk.Tap(kKeyDown);
+  desk.Tap(kJump);
+  desk.Step(40);
+  ASSERT_EQ(desk.RoomNow(), rm_editor); // in the section that was played
+  EXPECT_EQ(desk.GlobalText("section"), "Main");
+  EXPECT_EQ(desk.Layer("OBJECTS"), (Cells{{"4,9", "Durian"}}));
+  desk.ClickButton("Sections");
+  desk.ClickNotify("Attic");
+  desk.Step(40);
+  EXPECT_EQ(desk.Layer("OBJECTS"), (Cells{{"6,6", "Key"}}));
+}
+
 TEST(EditorPlay, ThePauseMenuContinuesRestartsAndLeaves) {
   EditorDesk desk;
   desk.OpenNew("Pause");

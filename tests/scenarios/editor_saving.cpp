@@ -5,8 +5,8 @@
 #include "game/Game.h"
 #include "game/editor/window.h"
 #include "game/level/level_file.h"
-#include "game/text.h"
 #include "sim/Look.h"
+#include "tests/support/SolidLevel.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -22,19 +22,6 @@ namespace vesk {
 
 namespace {
 
-std::string SolidLevel() {
-  std::string tiles, objects;
-  for (int cx = 0; cx < 250; ++cx)
-    for (int cy = 0; cy < 32; ++cy) {
-      const std::string key = "\"" + cell_key(cx, cy) + "\":";
-      tiles += (tiles.empty() ? "" : ",") + key + "\"1,4\"";
-      if (cy % 8 == 0) objects += (objects.empty() ? "" : ",") + key + "\"Coin\"";
-    }
-  return R"({"Main":{"HEIGHT":32,"WIDTH":250,"MUSIC":"Cool","BACKGROUND":"Wall","RAIN":0,"DARKNESS":0,"WATER_LEVEL":0,)"
-         R"("WATER_COLOR":"Blue","TILES_BG":{},"MODIFIERS":{},"MARKERS":{},"TILES":{)" +
-         tiles + R"(},"OBJECTS":{)" + objects + "}}}";
-}
-
 void OpenSolid(EditorDesk& desk) {
   desk.Write("solid", SolidLevel());
   ASSERT_EQ(desk.Game().Edit(desk.Directory() + "/Level/solid.json", "Main"), "");
@@ -45,8 +32,8 @@ void OpenSolid(EditorDesk& desk) {
 TEST(EditorSaving, ASolidSectionIsShownWholeAndSavedAsItIs) {
   EditorDesk desk;
   OpenSolid(desk);
-  EXPECT_EQ(CountTiles(9), 8000);
-  EXPECT_EQ(desk.Count(obj_editor_object), 1000u);
+  EXPECT_EQ(CountTiles(9), kSolidTiles);
+  EXPECT_EQ(desk.Count(obj_editor_object), static_cast<size_t>(kSolidObjects));
   const Cells tiles = desk.Layer("TILES"), objects = desk.Layer("OBJECTS");
   desk.ClickButton("Save");
   const std::string saved = desk.Read("solid");
