@@ -54,6 +54,12 @@ DisplayGeometry IO_CurrentGeometry() {
   if (2 * box.top < g.windowHeight) g.top = box.top;
   g.displayWidth = screen.appSurfaceInUse ? screen.appSurfaceWidth : g.windowWidth;
   g.displayHeight = screen.appSurfaceInUse ? screen.appSurfaceHeight : g.windowHeight;
+  if (const CRoom* room = CurrentRoom()) {
+    const PortScale scale =
+        ViewPortScale(*room, static_cast<int32_t>(g.displayWidth), static_cast<int32_t>(g.displayHeight));
+    g.scaleX = scale.x;
+    g.scaleY = scale.y;
+  }
   return g;
 }
 

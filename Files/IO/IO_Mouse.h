@@ -21,7 +21,7 @@ struct DisplayGeometry {
   int32_t top = 0;
   double displayWidth = 1; // what the rectangle shows
   double displayHeight = 1;
-  double scaleX = 1; // of the application surface
+  double scaleX = 1; // from ports to what is shown
   double scaleY = 1;
 };
 DisplayGeometry IO_CurrentGeometry();

@@ -63,6 +63,28 @@ TEST_P(ScreenPictures, TurnedViewsShowWhatTheMousePointsAt) {
   }
 }
 
+// Ports are scaled so that all of them together fill the picture; the mouse has to know.
+TEST_P(ScreenPictures, TheMouseFindsWhatAScaledPortShows) {
+  CRoom& room = game.RoomTemplate(0);
+  room.colour = 0;
+  room.viewsEnabled = true;
+  room.views[0].visible = true;
+  room.views[0].xview = 200, room.views[0].yview = 100, room.views[0].wview = 96, room.views[0].hview = 80;
+  room.views[0].wport = 192, room.views[0].hport = 160;
+  const int object = game.Object("picture", {.sprite = stage->Piece(0, 0, 16, 16)});
+  game.Place(0, object, 240, 130);
+  game.Start();
+  DrawScreen();
+  FlushBatch();
+  Canvas canvas = NewCanvas();
+  canvas.Fill(40, 30, 56, 46, [](int x, int y, Rgba) { return PagePixel(x, y); });
+  Expect(canvas, 0);
+  Input().mice[0].x = 45, Input().mice[0].y = 37;
+  EXPECT_EQ(IO_MouseInRoom(0).x, 245);
+  EXPECT_EQ(IO_MouseInRoom(0).y, 137);
+  IO_Reset();
+}
+
 TEST_P(ScreenPictures, ThePictureIsLetterBoxedUnderGuiAndCursor) {
   CRoom& room = game.RoomTemplate(0);
   room.width = 48;
