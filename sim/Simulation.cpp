@@ -10,6 +10,7 @@
 #include "Files/Room/Function_Room.h"
 #include "Files/Room/Room.h"
 #include "Files/Run/Run_Frame.h"
+#include "Files/Runner/CommandLine.h"
 #include "Files/Runner/Runner.h"
 #include "game/AssetNames.h"
 #include "game/GameTables.h"
@@ -63,10 +64,16 @@ std::string Simulation::Start() {
   m_platform.window.fixedSize = {kViewWidth, kViewHeight};
   Platform_Set(&m_platform.Interfaces());
   Random_ClockSeed() = m_settings.seed;
-  Descriptor() = MakeGameDescriptor(m_container.data(), static_cast<uint32_t>(m_container.size()));
   RunnerSetup setup;
   setup.descriptor = &Descriptor();
-  setup.commandLine = "-noerrors";
+  std::vector<std::string> words = {"-noerrors"};
+  if (m_settings.containerFile.empty()) {
+    Descriptor() = MakeGameDescriptor(m_container.data(), static_cast<uint32_t>(m_container.size()));
+  } else { // the runner finds it as it finds any game's file
+    Descriptor() = MakeGameDescriptor(nullptr, 0);
+    words.insert(words.end(), {"-game", FullName(m_settings.containerFile)});
+  }
+  setup.commandLine = CommandLine_Join(words);
   setup.directory = m_directory;
   setup.saveBase = m_directory;
   setup.quiet = true; // standard output is the script's

@@ -16,6 +16,7 @@ struct SimulationSettings {
   std::string directory; // the game's, where Level/ and Settings.dat stand; empty: a fresh temporary one
   int32_t seed = 1;      // what randomize seeds with
   std::span<const uint8_t> container; // copied, so that each run starts from the same bytes
+  std::string containerFile;          // read in its place when named
   bool pictures = false; // draw every frame, so that its picture can be had; else drawing is only counted
 };
 

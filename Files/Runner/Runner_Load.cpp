@@ -33,11 +33,6 @@ constexpr uint32_t kHeaderSynchronised = 0x2;
 constexpr uint32_t kHeaderSoftwareVertices = 0x4;
 constexpr uint32_t kHeaderLinearFilter = 0x8;
 
-void ShowPlainBox(const std::string& text) {
-  ErrorConsole().Output("%s\n", text.c_str());
-  if (!Options().headless) Platform_Get().dialogs->ShowMessage(Error().gameName, text);
-}
-
 // "True", "False" or a number.
 bool ReadSwitch(IniFile& ini, const char* key) {
   const std::string value = ini.ReadString("DEFAULT", key, "0");
@@ -207,7 +202,7 @@ bool RunnerLoadGame(ContainerView& container) {
     container = ContainerView(descriptor.container, descriptor.containerSize);
   } else {
     if (!ReadContainerFile(runner.gameFile)) {
-      ShowPlainBox("Unable to find game!!: " + runner.gameFile);
+      Error_ShowBox("Unable to find game!!: " + runner.gameFile);
       runner.exitCode = EXIT_FAILURE;
       return false;
     }

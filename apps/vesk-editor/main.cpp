@@ -77,7 +77,7 @@ int main(int argc, char** argv) {
   app.set_version_flag("--version", kVersion, "Prints the version");
   std::string level;
   app.add_option("--play", level, "Plays this level file at once")
-      ->type_name("FILE")
+      ->option_text("FILE")
       ->check(CLI::ExistingFile);
   std::reverse(words.own.begin(), words.own.end()); // as the parser takes them
   try {

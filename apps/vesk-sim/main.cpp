@@ -15,7 +15,7 @@ namespace {
 using namespace vesk;
 
 struct Options {
-  std::string script, directory;
+  std::string script, directory, container;
   int32_t seed = 1;
   bool quiet = false;
 };
@@ -44,6 +44,7 @@ int Run(const Options& options) {
   settings.directory = options.directory;
   settings.seed = options.seed;
   settings.container = {EmbeddedContainer(), EmbeddedContainerSize()};
+  settings.containerFile = options.container;
   settings.pictures = AsksForPictures(script.str());
   Simulation simulation(settings);
 
@@ -64,6 +65,10 @@ int main(int argc, char** argv) {
   app.add_option("--dir", options.directory,
                  "The game's directory, with Level/ and Settings.dat (default: a fresh one)")
       ->type_name("DIR");
+  app.add_option("--container", options.container,
+                 "The data container to play (default: the one in this program)")
+      ->option_text("FILE")
+      ->check(CLI::ExistingFile);
   app.add_option("--seed", options.seed, "What randomize seeds with (default 1)")->type_name("N");
   app.add_flag("--quiet", options.quiet, "No statistics at the end");
   try {
