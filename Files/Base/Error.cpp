@@ -132,7 +132,9 @@ std::string Error_CallChain() {
 
 void Error_ShowBox(std::string_view text) {
   ErrorConsole().Output("%.*s\n", static_cast<int>(text.size()), text.data());
-  if (state.showBox) Platform_Get().dialogs->ShowMessage(state.gameName, std::string(text));
+  state.lastReport = text;
+  // A game on its way out may fail again and again; one box is enough.
+  if (state.showBox && !state.inError) Platform_Get().dialogs->ShowMessage(state.gameName, state.lastReport);
 }
 
 ErrorState& Error() { return state; }

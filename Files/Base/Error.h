@@ -35,7 +35,7 @@ struct ErrorState {
   bool showBox = true;      // cleared by -noerrors and -headless
   bool allFatal = false;    // option: every error counts as fatal
   int32_t fatalCount = 0;   // reports that ended the game, for tests and tools
-  std::string lastReport;   // the whole text of the last report
+  std::string lastReport;   // the whole text of the last report or plain box
   std::string contextLine;  // heads the body of a report outside events; empty: the running code's name
   std::string gameName;     // title of plain boxes
   bool restarted = false;   // this run was launched by a restart
@@ -43,8 +43,8 @@ struct ErrorState {
   bool (*runningEvent)(std::string& eventName, std::string& objectName, int& action) = nullptr;
 };
 ErrorState& Error();
-// A plain box with the game's name as title, for failures before any script runs; the error channel gets the
-// text.
+// A plain box with the game's name as title, for failures that no script is to blame for; the error channel
+// gets the text. Not a report: the game goes on.
 void Error_ShowBox(std::string_view text);
 // One line a frame of the script call chain, innermost first, below a ruled line.
 std::string Error_CallChain();

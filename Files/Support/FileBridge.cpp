@@ -33,7 +33,8 @@ struct BridgeState {
 };
 BridgeState g_bridge;
 
-void Report(const std::string& what, const std::string& why) { ReportError(what + " " + why, false); }
+// A full disk or a locked folder is the player's to mend, not a fault of the game: told in a plain box.
+void Tell(const std::string& what, const std::string& why) { Error_ShowBox(what + "\n" + why); }
 
 double Enter(OpenFile file) {
   int number = 1;
@@ -88,7 +89,7 @@ double FileBridge_OpenWrite(const char* path) {
   std::string why;
   const std::string folder = Path_Folder(file.path);
   if ((!folder.empty() && !Directory_Make(folder, &why)) || !file.writer->Open(file.path, &why)) {
-    Report("The file can't be written, what was there before is unchanged:", why);
+    Tell("The file can't be written, what was there before is unchanged:", why);
     return -1;
   }
   return Enter(std::move(file));
@@ -105,7 +106,7 @@ double FileBridge_OpenRead(const char* path) {
   file.path = Files_GamePath(path);
   std::string why;
   if (!File_ReadAll(file.path, file.text, &why)) {
-    Report("The file can't be read:", why);
+    Tell("The file can't be read:", why);
     return -1;
   }
   if (file.text.starts_with("\xEF\xBB\xBF")) file.position = 3;
@@ -128,7 +129,7 @@ double FileBridge_Close(double file) {
   if (!open) return 0;
   std::string why;
   const bool kept = !open->writer || open->writer->Commit(&why);
-  if (!kept) Report("The file can't be written, what was there before is unchanged:", why);
+  if (!kept) Tell("The file can't be written, what was there before is unchanged:", why);
   g_bridge.files.erase(static_cast<int>(file));
   return kept ? 1 : 0;
 }
