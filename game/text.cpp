@@ -28,6 +28,19 @@ std::string string_make_width(std::string text, double width) {
   return result;
 }
 
+std::string drawable_name(const std::string& name, double width) {
+  const auto shown = [](const std::string& part) { return string_replace_all(part, "#", "\\#"); };
+  std::string whole;
+  for (const char c : name) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte >= 0x80 && byte < 0xC0) continue; // the rest of a character that has its sign
+    whole += c >= ' ' && c <= '~' ? c : '?';
+  }
+  if (string_width(shown(whole)) <= width) return shown(whole);
+  while (!whole.empty() && string_width(shown(whole) + "...") > width) whole.pop_back();
+  return shown(whole) + "...";
+}
+
 Cell parse_cell(const std::string& key) {
   std::string parts[2];
   int part = 0;

@@ -10,6 +10,9 @@ std::string string_add_zeros(double value, int width);
 std::string string_copy_improved(std::string text, int first, int last);
 // The text with # as line breaks, so that no line is wider than `width` pixels in the current font.
 std::string string_make_width(std::string text, double width);
+// The name of a file as the current font can show it, at most `width` pixels wide: a # breaks no line, a
+// character beyond ASCII shows as ?, and what is too long ends in dots.
+std::string drawable_name(const std::string& name, double width);
 
 // "12,7": the two whole numbers of a cell key or a tile value. Text that is no number reads as 0.
 struct Cell {

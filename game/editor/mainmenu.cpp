@@ -5,6 +5,7 @@
 #include "game/editor/interface.h"
 #include "game/level/files.h"
 #include "game/level/level_file.h"
+#include "game/text.h"
 
 namespace vesk {
 
@@ -126,10 +127,13 @@ bool more_below() {
 
 void EndStep(Self self) {
   const double in_view = mouse_y - view_yview[0];
+  const bool up_asked = keyboard_check(kUpKey) || mouse_wheel_up();
+  const bool down_asked = keyboard_check(kDownKey) || mouse_wheel_down();
+  // A mouse that was left at an edge doesn't work against the keys.
+  const bool at_top = in_view > -kEdge && in_view < kEdge && !down_asked;
+  const bool at_bottom = in_view > view_hview[0] - kEdge && in_view < view_hview[0] + kEdge && !up_asked;
+  const bool up = up_asked || at_top, down = down_asked || at_bottom;
   self[mvmnt] = keyboard_check(kControlKey) ? 15 : 5;
-  const bool up = keyboard_check(kUpKey) || mouse_wheel_up() || (in_view > -kEdge && in_view < kEdge);
-  const bool down = keyboard_check(kDownKey) || mouse_wheel_down() ||
-                    (in_view > view_hview[0] - kEdge && in_view < view_hview[0] + kEdge);
   if (up) view_yview[0] -= self[mvmnt] + (mouse_wheel_up() ? 10 : 0);
   if (down && more_below()) view_yview[0] += self[mvmnt] + (mouse_wheel_down() ? 10 : 0);
   if (view_yview[0] < 0) view_yview[0] = 0;
@@ -181,14 +185,6 @@ void DrawGuiEnd(Self self) {
 
 // ---- a row ----
 
-// A file's name may be longer than what can be typed here.
-std::string cut_to_width(const std::string& whole, double pixels) {
-  if (string_width(whole) <= pixels) return whole;
-  int kept = string_length(whole);
-  while (kept > 0 && string_width(string_copy(whole, 1, kept) + "...") > pixels) --kept;
-  return string_copy(whole, 1, kept) + "...";
-}
-
 void RowCreate(Self self) {
   self[name] = "SET THIS TO LEVEL NAME";
   self[note] = "";
@@ -229,7 +225,7 @@ void RowDrawGui(Self self) {
   draw_sprite_ext(self, spr_editor_top, 0, self[x], top, 1, 1, 0, c_white, 0.7f);
   draw_sprite(self, spr_box_level_name, 0, self[x] + 13, top + 3);
   draw_set_font(global[font]);
-  draw_text(self[x] + 20, top + 10, cut_to_width(self[name].text(), kNameRoom));
+  draw_text(self[x] + 20, top + 10, drawable_name(self[name].text(), kNameRoom));
 }
 
 void RowDrawGuiEnd(Self self) {
