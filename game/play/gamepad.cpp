@@ -36,7 +36,7 @@ void translate_gamepad(Self controller) {
   if (!(controller[gamepad] > 0.5)) return;
   for (int latch = 0; latch < static_cast<int>(std::size(kStickKeys)); ++latch) {
     const StickKey& row = kStickKeys[latch];
-    const bool held_over = gamepad_axis_value(kPad, row.axis) * row.side >= kHeldOver;
+    const bool held_over = Real(gamepad_axis_value(kPad, row.axis) * row.side) >= kHeldOver;
     if (held_over && controller[leftstick][latch] == 0) {
       keyboard_key_press(row.key);
       controller[leftstick][latch] = 1;

@@ -2,6 +2,7 @@
 #include "Files/Font/Font.h"
 #include "game/Game.h"
 #include "game/play/levelmanager.h"
+#include "game/text.h"
 
 namespace vesk {
 
@@ -12,7 +13,11 @@ namespace {
 void PostCreate(Self self) {
   self[flag] = spr_flag_drommel;
   self[image_speed] = 0.15;
+  self[frame] = 0;
 }
+
+// The post is a picture of one frame, so the flag has a frame of its own.
+void PostStep(Self self) { self[frame] += self[image_speed]; }
 
 bool is_free(Self post) { return post[flag] == spr_flag_drommel; }
 
@@ -23,7 +28,7 @@ void take(Self post) {
 
 void PostDraw(Self self) {
   draw_sprite(self, self[sprite_index], 0, self[x], self[y]);
-  draw_sprite(self, self[flag], -1, self[x] + 10, self[y] + 16);
+  draw_sprite(self, self[flag], floor(self[frame]), self[x] + 10, self[y] + 16);
 }
 
 void CheckpointMeetsHero(Self self) {
@@ -54,6 +59,7 @@ void GoalMeetsHero(Self self) {
 
 // ---- the end of a level ----
 
+constexpr double kNameRoom = 360; // pixels of the level's name
 constexpr int kGold = 248 + 192 * 256 + 40 * 65536;
 
 // Coins turn into score in strokes; the largest that still leaves the lower steps something to count.
@@ -93,7 +99,7 @@ void EnderDrawGui(Self self) {
   draw_set_colour(kGold);
   draw_text_transformed(192, 36, "Level Cleared!", 2, 2, 0);
   draw_set_colour(c_white);
-  draw_text(192, 60, global[levelname].text());
+  draw_text(192, 60, drawable_name(global[levelname].text(), kNameRoom));
   if (self[ready] == 1) draw_text(192, 184, "Press any button to continue.");
   draw_set_halign(fa_left);
 }
@@ -106,6 +112,7 @@ void EnderAnyKey(Self self) {
 
 const EventTable obj_checkpoint_events = {
     {ev_create, 0, PostCreate},
+    {ev_step, ev_step_normal, PostStep},
     {ev_collision, obj_tovin, CheckpointMeetsHero},
     {ev_other, ev_room_start, CheckpointRoomStart},
     {ev_draw, ev_draw_normal, PostDraw},
@@ -113,6 +120,7 @@ const EventTable obj_checkpoint_events = {
 
 const EventTable obj_goalpost_events = {
     {ev_create, 0, PostCreate},
+    {ev_step, ev_step_normal, PostStep},
     {ev_collision, obj_tovin, GoalMeetsHero},
     {ev_draw, ev_draw_normal, PostDraw},
 };

@@ -18,7 +18,7 @@ namespace {
 constexpr int kEnter = 13, kAlt = 18;
 constexpr int kMusicPriority = 99;
 constexpr int kSleepMargin = 32; // pixels around the view in which the sleeping families are awake
-constexpr int kLowHealth = 8;
+constexpr int kLowHealth = 8, kFullHealth = 25;
 constexpr int kBarWidth = 182; // pixels of a full health or ammo bar
 
 // Those who stand for the hero; the first that exists leads the camera.
@@ -53,7 +53,7 @@ void Create(Self self) {
 // ---- room start ----
 
 struct Section {
-  int map;
+  int map = -1;
   double number(const char* key) const { return ValueAsReal(ds_map_find_value(map, key)); }
   std::string text(const char* key) const { return ValueAsText(ds_map_find_value(map, key)); }
   template <class Visit> void for_each(const char* layer, Visit visit) const {
@@ -206,10 +206,17 @@ void go_on_with_timers(Self self) {
   }
 }
 
+// A door may lead to a section that was deleted since: nothing is built then, as with no level at all.
+bool find_section(Section& it) {
+  if (!ds_exists(global[leveldata], ds_type_map)) return false;
+  if (!ds_map_exists(global[leveldata], global[section].value())) return false;
+  it.map = ValueAsInt32(ds_map_find_value(global[leveldata], global[section].value()));
+  return true;
+}
+
 void RoomStart(Self self) {
   if (self[visible] == 0) return; // the replay below reaches the manager too
-  if (ds_exists(global[leveldata], ds_type_map)) {
-    const Section it{ValueAsInt32(ds_map_find_value(global[leveldata], global[section].value()))};
+  if (Section it; find_section(it)) {
     if (resize_room(it)) return;
     set_scene(self, it);
     build_terrain(it);
@@ -387,14 +394,15 @@ void Alarm_DropBarrier(Self self) { self[barrier] = 0; }
 
 // ---- HUD ----
 
-void draw_bar(int sprite, double fraction, double left, double top, double opacity) {
-  draw_sprite_part_ext(nullptr, sprite, 0, 0, 0, kBarWidth * fraction, 7, left, top, 1, 1, c_white, opacity);
+void draw_bar(int sprite, double amount, double full, double left, double top, double opacity) {
+  draw_sprite_part_ext(nullptr, sprite, 0, 0, 0, kBarWidth * amount / full, 7, left, top, 1, 1, c_white,
+                       opacity);
 }
 
 void draw_ammo(Self self) {
   draw_sprite(self, spr_healthbar, global[ammo] != 0 ? 1 : 0, 2, 4);
   if (global[ammo] == 0) return;
-  draw_bar(spr_healthbar_gray, global[ammo] / self[maxammo], 6, 19, 0.7);
+  draw_bar(spr_healthbar_gray, global[ammo], self[maxammo], 6, 19, 0.7);
   draw_text(13, 23, "Ammo: " + global[ammo].text() + "/" + self[maxammo].text());
 }
 
@@ -410,7 +418,7 @@ void DrawGui(Self self) {
   if (self[heart] == 1) draw_sprite_ext(self, spr_bloodoverlay, 0, 0, 0, 1, 1, 0, c_white, self[beat]);
   draw_set_font(global[font]);
   draw_ammo(self);
-  draw_bar(spr_healthbar_red, health / 25, 6, 7, 1);
+  draw_bar(spr_healthbar_red, health, kFullHealth, 6, 7, 1);
   draw_text(13, 2, "Health: " + string(RValue(health.Get())) + "/25");
   draw_counts(self);
   draw_sprite(self, spr_pmeter, self[pmeter], 303, 203);

@@ -97,9 +97,15 @@ void DrawGui(Self self) {
 } // namespace
 
 const EventTable obj_pausemenu_events = {
-    {ev_create, 0, Create},          {ev_other, ev_user(0), Resume},    {ev_keypress, kUp, PressUp},
-    {ev_keypress, kDown, PressDown}, {ev_keypress, kEnter, PressEnter}, {ev_keypress, kJumpKey, Confirm},
-    {ev_draw, ev_draw_normal, Draw}, {ev_draw, ev_gui, DrawGui},
+    {ev_create, 0, Create},
+    {ev_other, ev_user(0), Resume},
+    {ev_keypress, kUp, PressUp},
+    {ev_keypress, kDown, PressDown},
+    {ev_keypress, kEnter, PressEnter},
+    {ev_keypress, kJumpKey, Confirm},
+    {ev_other, ev_room_end, delete_picture},
+    {ev_draw, ev_draw_normal, Draw},
+    {ev_draw, ev_gui, DrawGui},
 };
 
 } // namespace vesk

@@ -244,6 +244,7 @@ void DrawFinalPicture(Self self) {
 // ---- Alt commands ----
 
 void restart_game(Self self) {
+  instance_activate_all(); // out of a pause or a fade: room ends free what the sleepers hold
   audio_stop_all();
   scr_init_globals();
   keyboard_unset_map();
