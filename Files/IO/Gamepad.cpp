@@ -249,8 +249,7 @@ void Gamepad_Init() {
   GamepadMappings().clear();
   GamepadMapping_Parse(GamepadMapping_OwnRows());
   std::string text;
-  if (File_Exists("gamecontrollerdb.txt") && File_ReadAll("gamecontrollerdb.txt", text))
-    GamepadMapping_Parse(text);
+  if (File_ReadAll(Files_FindForReading("gamecontrollerdb.txt"), text)) GamepadMapping_Parse(text);
   if (Environment_Get("SDL_GAMECONTROLLERCONFIG", text)) GamepadMapping_Parse(text);
   state.missingLogged = false;
 }

@@ -3,6 +3,7 @@
 #include "Files/Function/Function.h"
 #include "Files/IO/Gamepad.h"
 #include "Files/IO/GamepadMapping.h"
+#include "Files/Support/Support_Files.h"
 #include "Platform/Files.h"
 #include "Platform/Platform.h"
 
@@ -153,11 +154,12 @@ void gamepad_add_hardware_mapping_from_string(std::string_view text) {
 }
 
 void gamepad_add_hardware_mapping_from_file(std::string_view fileName) {
-  std::string text, why;
-  if (File_ReadAll(std::string(fileName), text, &why))
+  std::string text, why = "there is no such file";
+  const std::string found = Files_FindForReading(std::string(fileName));
+  if (!found.empty() && File_ReadAll(found, text, &why))
     gamepad_add_hardware_mapping_from_string(text);
   else
-    ReleaseConsole().Output("Gamepad mappings: %s\n", why.c_str());
+    ReleaseConsole().Output("Gamepad mappings of \"%s\": %s\n", std::string(fileName).c_str(), why.c_str());
 }
 
 std::string gamepad_get_hardware_mappings() {

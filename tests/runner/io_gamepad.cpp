@@ -2,6 +2,7 @@
 #include "Files/IO/Gamepad.h"
 #include "Files/IO/GamepadMapping.h"
 #include "Files/Run/Run_Frame.h"
+#include "Files/Support/Support_Files.h"
 #include "Platform/Files.h"
 #include "Platform/HandDriven.h"
 
@@ -279,6 +280,25 @@ TEST_F(Pads, TheProgramsOwnRowsAllReadAndComeBackAsText) {
   for (size_t at = 0; at < before.size(); ++at)
     EXPECT_EQ(GamepadMapping_Text(before[at]),
               GamepadMapping_Text(GamepadMappings()[before.size() - 1 - at]));
+}
+
+// The table beside the game, and one named by a script: in the save area or beside the game, nowhere else.
+TEST_F(Pads, MappingsComeFromFilesOfTheGame) {
+  const std::string folder = testing::TempDir() + "/vesk_mappings/";
+  for (const char* part : {"game", "save"}) ASSERT_TRUE(Directory_Make(folder + part));
+  Files_Locations() = {folder + "game/", folder + "save/"};
+  ASSERT_TRUE(File_WriteAll(folder + "game/gamecontrollerdb.txt", "00,Beside,a:b0,\n"));
+  ASSERT_TRUE(File_WriteAll(folder + "save/more.txt", "01,Saved,a:b0,\n"));
+  ASSERT_TRUE(File_WriteAll(folder + "outside.txt", "02,Outside,a:b0,\n"));
+  Gamepad_Init();
+  EXPECT_EQ(GamepadMappings().front().name, "Beside");
+  gamepad_add_hardware_mapping_from_file("more.txt");
+  EXPECT_EQ(GamepadMappings().front().name, "Saved");
+  for (const char* missing : {"none.txt", "../outside.txt"}) gamepad_add_hardware_mapping_from_file(missing);
+  EXPECT_EQ(GamepadMappings().size(), 48u);
+  Files_ResetLocations();
+  for (const char* file : {"game/gamecontrollerdb.txt", "save/more.txt", "outside.txt"})
+    File_Remove(folder + file);
 }
 
 TEST_F(Pads, BadMappingLinesAreSkipped) {
