@@ -70,7 +70,6 @@ void CSdlMessages::Take(const SDL_Event& event) {
     for (const char16_t unit : Text_ToUtf16(event.text.text)) PostCharacter(unit);
     return;
   case SDL_MOUSEMOTION:
-    if (event.motion.which == SDL_TOUCH_MOUSEID) return;
     message.kind = MessageKind::MouseMove;
     message.x = event.motion.x;
     message.y = event.motion.y;

@@ -141,6 +141,27 @@ TEST_F(Desktop, KeysTextAndMouseArriveInOrder) {
   EXPECT_FALSE(all[11].active);
 }
 
+// A finger moves the mouse to where it presses.
+TEST_F(Desktop, AFingerIsAMouse) {
+  ASSERT_TRUE(Open({64, 64}));
+  SDL_Event event{};
+  event.type = SDL_MOUSEMOTION;
+  event.motion.which = SDL_TOUCH_MOUSEID;
+  event.motion.x = 20;
+  SDL_PushEvent(&event);
+  event = {};
+  event.type = SDL_MOUSEBUTTONDOWN;
+  event.button.which = SDL_TOUCH_MOUSEID;
+  event.button.button = SDL_BUTTON_LEFT;
+  event.button.x = 20;
+  SDL_PushEvent(&event);
+  const auto all = Drain();
+  ASSERT_EQ(all.size(), 2u);
+  EXPECT_EQ(all[0].kind, MessageKind::MouseMove);
+  EXPECT_EQ(all[0].x, 20);
+  EXPECT_EQ(all[1].button, 1);
+}
+
 TEST_F(Desktop, TextUnderAltIsNoText) {
   ASSERT_TRUE(Open({64, 64}));
   SDL_Event text{};
