@@ -48,8 +48,8 @@ inline constexpr Light kLights[] = {
     {obj_ombrel_fire, spr_smallerdark, detail::kFireGlow},
 };
 
-// The row of the object; an object without one doesn't compile.
-consteval Light LightOf(int object) {
+// The row of the object; as a constant, an object without one doesn't compile.
+constexpr Light LightOf(int object) {
   for (const Light& light : kLights)
     if (light.object == object) return light;
   throw "the object gives no light";

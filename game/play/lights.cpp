@@ -13,12 +13,14 @@ void FireCreate(Self self) { self[image_speed] = 0.3; }
 
 // ---- obj_lamplight: the look is its frame, the glass gives the colour ----
 
+constexpr Light kLamp = LightOf(obj_lamplight);
+
 void LampCreate(Self self) {
   self[image_speed] = 0;
-  self[lamp_color] = LightOf(obj_lamplight).colour;
+  self[lamp_color] = kLamp.colour;
 }
 
-void LampShine(Self self) { scr_emit_light(self, LightOf(obj_lamplight).sprite, self[lamp_color]); }
+void LampShine(Self self) { scr_emit_light(self, kLamp.sprite, self[lamp_color]); }
 
 // ---- obj_torch_lightable: unseen until a flame reaches it ----
 
@@ -40,7 +42,7 @@ void LightableStep(Self self) {
 }
 
 void LightableShine(Self self) {
-  const Light light = LightOf(obj_torchfire);
+  constexpr Light light = LightOf(obj_torchfire);
   draw_sprite_ext(self, light.sprite, 0, self[x] + 8 - view_xview[0], self[y] + 8 - view_yview[0],
                   self[image_alpha], self[image_alpha], 0, light.colour, 1);
 }
