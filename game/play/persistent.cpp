@@ -71,8 +71,10 @@ void read_settings(Self self) {
   for (const Slot setting : {fullscreen, filter, vsync})
     self[setting] = real(RValue(FS_file_text_read_string(file)));
   FS_file_text_close(file);
+  // A damaged file gives anything.
+  for (const Slot flag : {fullscreen, vsync}) self[flag] = self[flag].Get() >= 0.5 ? 1 : 0;
   self[filter] = floor(self[filter]);
-  if (!(self[filter] >= 1 && self[filter] <= 4)) self[filter] = default_scale(); // a damaged file
+  if (!(self[filter] >= 1 && self[filter] <= 4)) self[filter] = default_scale();
 }
 
 void GameStart(Self self) {

@@ -15,6 +15,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <set>
 #include <sstream>
 
@@ -52,6 +53,21 @@ TEST(MenuController, KeysScrollTheListWhileTheMouseLiesAtAnEdge) {
   desk.Step(4);
   desk.Release(kKeyUp);
   EXPECT_EQ(desk.ViewY(), 0);
+}
+
+TEST(MenuController, DamagedSettingsBecomeSettingsAgain) {
+  const std::string directory = (std::filesystem::temp_directory_path() / "vesk-damaged-settings").string();
+  std::filesystem::create_directories(directory);
+  for (const auto& [damaged, kept] : std::map<std::string, std::string>{{"nan\n3\n1e308\n", "0\n3\n1\n"},
+                                                                        {"7\nnan\n-2\n", "1\n4\n0\n"},
+                                                                        {"1", "1\n4\n0\n"},
+                                                                        {"\xFF\n1e9\n", "0\n4\n0\n"}}) {
+    std::ofstream(directory + "/Settings.dat") << damaged;
+    { EditorDesk(directory).Step(3); }
+    std::ifstream file(directory + "/Settings.dat");
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), kept) << damaged;
+  }
+  std::filesystem::remove_all(directory);
 }
 
 // Whatever a file is called, its row and the end of its level show a name on one line.
