@@ -91,7 +91,7 @@ void Notified(Self self) {
 void draw_row(Self self, const Row& row) {
   draw_sprite(self, spr_button, 0, 13, row.top);
   if (row.icon == -1)
-    draw_background_part(bg_cave, 0, 0, 16, 16, 16, row.top + 3);
+    draw_background_part(bg_crypt, 57, 93, 16, 16, 16, row.top + 3); // a candle in the dark
   else
     draw_sprite(self, row.icon, 0, 16, row.top + 3);
   draw_sprite(self, spr_editor_option, row.frame, 37, row.top);
