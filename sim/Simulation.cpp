@@ -84,6 +84,7 @@ std::string Simulation::Start() {
   Runner_Begin(std::move(setup));
   m_started = true;
   if (!Runner_Open()) return "the game can't be started: " + Error().lastReport;
+  Mouse(kViewWidth / 2, kViewHeight / 2); // at an edge it would scroll the editor
   return "";
 }
 

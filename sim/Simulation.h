@@ -28,7 +28,8 @@ public:
   Simulation(const Simulation&) = delete;
   Simulation& operator=(const Simulation&) = delete;
 
-  // The program as a player starts it, in its first room. "" or, in words, why it can't run.
+  // The program as a player starts it, in its first room, with the mouse in the middle. "" or, in words, why
+  // it can't run.
   std::string Start();
   bool Running() const;
   // Frames run since the start.

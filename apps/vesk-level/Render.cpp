@@ -86,7 +86,6 @@ std::string RenderSection(const RenderChoice& choice) {
   settings.pictures = true;
   Simulation simulation(settings);
   if (const std::string problem = simulation.Start(); !problem.empty()) return problem;
-  simulation.Mouse(kViewWidth / 2, kViewHeight / 2);
   if (const std::string problem = simulation.Edit(choice.file, choice.section); !problem.empty())
     return problem;
   const Self editor = first(obj_editor);

@@ -23,7 +23,6 @@ std::unique_ptr<Simulation> Started() {
   settings.container = {EmbeddedContainer(), EmbeddedContainerSize()};
   auto simulation = std::make_unique<Simulation>(settings);
   if (!simulation->Start().empty()) return nullptr;
-  simulation->Mouse(192, 108);
   return simulation;
 }
 

@@ -43,7 +43,6 @@ EditorDesk::EditorDesk(const std::string& directory, int32_t seed) {
   settings.container = {EmbeddedContainer(), EmbeddedContainerSize()};
   m_game = std::make_unique<Simulation>(settings);
   EXPECT_EQ(m_game->Start(), "");
-  m_game->Mouse(192, 108);
 }
 EditorDesk::~EditorDesk() { ExpectHealthy(); }
 

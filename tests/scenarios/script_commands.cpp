@@ -114,6 +114,13 @@ TEST_F(Scripts, OpenTheEditorAsTheMenuDoes) {
   EXPECT_THAT(missing.errors, HasSubstr("no section \"Cellar\""));
 }
 
+// The mouse begins in the middle: at an edge it would scroll the section away.
+TEST_F(Scripts, FindTheEditorAtItsCorner) {
+  const Outcome run = Run("new Still\nstep 30\nexpect global.view_xview == 0\nexpect global.view_yview == 0\n"
+                          "mouse 200 100\nstep\nexpect obj_editor.xx == 192\nexpect obj_editor.yy == 96\n");
+  EXPECT_EQ(run.result, ScriptResult::kAllWell) << run.errors;
+}
+
 TEST_F(Scripts, WatchEveryFrameUntilToldNotTo) {
   const Outcome run =
       Run(Play() + "watch obj_tovin y\nwatch global health\nstep 5\ntap x 2\nunwatch\nstep 5\n");
