@@ -47,9 +47,12 @@ void Shift(std::vector<float>& previous, std::vector<float>& current, const std:
   current = values;
 }
 
-void ClearValues(Gamepad& pad) {
-  for (auto* values : {&pad.buttons, &pad.previousButtons, &pad.axes, &pad.previousAxes})
-    std::fill(values->begin(), values->end(), 0.0f);
+// Of a pad that is gone. What was held on it is let go in the next frame, as on a pad that is still there.
+void LetGo(Gamepad& pad) {
+  pad.previousButtons = pad.buttons;
+  pad.previousAxes = pad.axes;
+  std::fill(pad.buttons.begin(), pad.buttons.end(), 0.0f);
+  std::fill(pad.axes.begin(), pad.axes.end(), 0.0f);
 }
 
 Gamepad MakePad(size_t buttons, size_t axes) {
@@ -86,7 +89,6 @@ void Release(size_t at) {
   pad.device = -1;
   pad.description.clear();
   pad.mapping = -1;
-  ClearValues(pad);
   if (at >= kStandardPads) state.freeRaw.push_back(at);
   SetConnected(at, false);
 }
@@ -130,6 +132,7 @@ void PollStandard(size_t at) {
   StandardPadState read;
   if (!Platform_Get().pads->ReadStandard(pad.device, read)) {
     Release(at);
+    LetGo(pad);
     return;
   }
   std::vector<float> buttons(kStandardButtons);
@@ -273,6 +276,8 @@ void Gamepad_DevicesChanged() {
 
 void Gamepad_Poll() {
   if (!Loop().focused) return; // another program has the pads
+  for (Gamepad& pad : state.pads)
+    if (!pad.connected) LetGo(pad);
   const size_t standard = std::min<size_t>(kStandardPads, state.pads.size());
   for (size_t at = standard; at < state.pads.size(); ++at)
     if (state.pads[at].connected) PollRaw(at);

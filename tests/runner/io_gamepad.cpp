@@ -256,6 +256,27 @@ TEST_F(Pads, PadsAreLeftAloneWithoutTheFocus) {
   EXPECT_FALSE(gamepad_button_check(0, gp_face1));
 }
 
+// Or a key that a game presses for the button would be held for good.
+TEST_F(Pads, WhatIsHeldOnAPadThatGoesIsLetGoOnce) {
+  const int32_t device = Attach(true);
+  Gamepad_Open(true);
+  for (const bool told : {true, false}) { // by the list of devices, or by the poll that fails
+    const int32_t here = told ? device : Attach(true);
+    Gamepad_DevicesChanged();
+    hand.pads.Find(here)->standard.buttons = 0x1000;
+    hand.pads.Find(here)->standard.leftX = 30000;
+    Gamepad_Poll();
+    ASSERT_TRUE(gamepad_button_check_pressed(0, gp_face1));
+    hand.pads.Detach(here);
+    if (told) Gamepad_DevicesChanged();
+    Gamepad_Poll();
+    EXPECT_TRUE(gamepad_button_check_released(0, gp_face1)) << told;
+    EXPECT_EQ(gamepad_axis_value(0, gp_axislh), 0);
+    Gamepad_Poll();
+    EXPECT_FALSE(gamepad_button_check_released(0, gp_face1)) << told;
+  }
+}
+
 TEST_F(Pads, MotorsRunAtTheirSpeed) {
   const int32_t device = Attach(true);
   Gamepad_Open(true);

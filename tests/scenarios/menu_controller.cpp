@@ -174,6 +174,43 @@ TEST(MenuController, ASectionThatIsGoneLeavesAnEmptyRoomAndAWayOut) {
   EXPECT_EQ(stage.Game().FatalReport(), "");
 }
 
+// Unplugged, the pad lets go; switched off by Alt+G, what it holds stays held until the keyboard lets go.
+TEST(MenuController, KeysHeldByAPadThatIsUnpluggedOrSwitchedOff) {
+  constexpr uint16_t kPadRight = 0x8;
+  Stage stage(
+      {"S                           ", "                            ", "############################"});
+  auto& devices = stage.Game().Devices();
+  PadInfo info;
+  info.standard = true;
+  const auto plug_in_and_run = [&] {
+    const int32_t device = devices.pads.Attach(info);
+    devices.messages.PadsChanged();
+    stage.Set("obj_persistent", "gamepad", 1);
+    stage.Step(2);
+    devices.pads.Find(device)->standard.buttons = kPadRight;
+    stage.Step(20);
+    EXPECT_GT(stage.Real("obj_tovin", "hspeed"), 1);
+    return device;
+  };
+  devices.pads.Detach(plug_in_and_run());
+  devices.messages.PadsChanged();
+  stage.Step(60);
+  EXPECT_EQ(stage.Real("obj_tovin", "hspeed"), 0);
+
+  const int32_t device = plug_in_and_run();
+  stage.Game().Key(kKeyAlt, true);
+  stage.Step();
+  Tap(stage, 'G');
+  stage.Game().Key(kKeyAlt, false);
+  EXPECT_EQ(stage.Text("obj_persistent", "message"), "Gamepad Off");
+  devices.pads.Find(device)->standard.buttons = 0;
+  stage.Step(30);
+  EXPECT_GT(stage.Real("obj_tovin", "hspeed"), 1);
+  Tap(stage, kKeyRight);
+  stage.Step(60);
+  EXPECT_EQ(stage.Real("obj_tovin", "hspeed"), 0);
+}
+
 TEST(MenuController, FlagsWaveAndAreTaken) {
   LevelSettings settings;
   settings.objects = {{"4,11", "Checkpoint"}};
