@@ -24,6 +24,16 @@ constexpr int kLeastWidth = 24, kLeastHeight = 14; // cells
 constexpr int kAtlasRows = static_cast<int>(kCollisionCodes.size()) / kAtlasColumns;
 constexpr std::string_view kWaterColours[] = {"Red", "Blue", "Green"};
 
+// What takes a number out of the text on its cell.
+struct Numbered {
+  const char* layer;
+  std::string_view code;
+};
+constexpr Numbered kNumbered[] = {
+    {"OBJECTS", "Code Input Block"},        {"OBJECTS", "Timed Platform"},  {"OBJECTS", "Moving Rope"},
+    {"OBJECTS", "Touch-Start Moving Rope"}, {"OBJECTS", "Security Sensor"}, {"MARKERS", "Speed"},
+};
+
 std::string Quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
 
 template <class Visit> void ForEach(int32_t map, Visit visit) {
@@ -168,6 +178,11 @@ private:
       if (IsWayOut(section, cell)) CheckWayOut(section, key, text);
       if (IsPatrol(section, cell) && !Destinations(section).contains(text))
         FaultAt("MODIFIERS", key, "flies to " + Quoted(text) + ", which is no destination here");
+      for (const Numbered& taker : kNumbered)
+        if (Holds(section, taker.layer, cell, [&](std::string_view on) { return on == taker.code; }) &&
+            text.find_first_of("0123456789") == std::string::npos)
+          FaultAt("MODIFIERS", key,
+                  Quoted(taker.code) + " asks for a number, and " + Quoted(text) + " has none");
     }
   }
 

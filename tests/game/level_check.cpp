@@ -112,8 +112,11 @@ TEST(LevelCheck, CellsAndCodesWithTheirPlace) {
               R"("MARKERS":{"1,1":"Doors","5,5":"Bomb Door","7,7":"Warp Marker"},)"
               R"("MODIFIERS":{"2,2":"Starr","3,3":"DESTINATION:","5,6":"TEXT:Nowhere","7,7":"TEXT:Boss,Gone"})") +
           R"(,"Boss":)" +
-          Section(R"("OBJECTS":{"8,2":"Zephlet","9,2":"Zephlet"},)"
-                  R"("MODIFIERS":{"8,2":"TEXT:There","9,2":"TEXT:Here","20,2":"DESTINATION:Here"})") +
+          Section(
+              R"("OBJECTS":{"8,2":"Zephlet","9,2":"Zephlet","4,4":"Timed Platform","5,4":"Security Sensor"},)"
+              R"("MARKERS":{"6,4":"Speed"},)"
+              R"("MODIFIERS":{"8,2":"TEXT:There","9,2":"TEXT:Here","20,2":"DESTINATION:Here",)"
+              R"("4,4":"TEXT:soon","5,4":"TEXT:45,90","6,4":"TEXT:"})") +
           "}"),
       UnorderedElementsAre(
           "section \"Main\", TILES, cell 0,0: the atlas has no tile \"40,2\"",
@@ -129,7 +132,10 @@ TEST(LevelCheck, CellsAndCodesWithTheirPlace) {
           "section \"Main\", MODIFIERS, cell 5,6: leads to \"Nowhere\", which is neither a section nor a "
           "destination here",
           "section \"Main\", MODIFIERS, cell 7,7: section \"Boss\" has no destination \"Gone\"",
-          "section \"Boss\", MODIFIERS, cell 8,2: flies to \"There\", which is no destination here"));
+          "section \"Boss\", MODIFIERS, cell 8,2: flies to \"There\", which is no destination here",
+          "section \"Boss\", MODIFIERS, cell 4,4: \"Timed Platform\" asks for a number, and \"soon\" has "
+          "none",
+          "section \"Boss\", MODIFIERS, cell 6,4: \"Speed\" asks for a number, and \"\" has none"));
 }
 
 TEST(LevelCheck, CountsWhatIsInALevel) {

@@ -497,6 +497,32 @@ TEST(EditorDrawing, TheCellAndTheChoiceShowAtTheMouse) {
   EXPECT_EQ(stamp.Find("bg_tiles")->row, 48);
 }
 
+// What the view shows beyond the section is dark grey, all of it and nothing else.
+TEST(EditorDrawing, MarginsCoverWhatLiesOutside) {
+  constexpr uint32_t kDarkGrey = 0xFF303030;
+  EditorDesk desk;
+  Open(desk, "Margins", SmallLevel());
+  const Box section = {0, 0, 24 * 16, 14 * 16};
+  for (const auto& [mouse_x, mouse_y] :
+       {std::pair{2, 100}, std::pair{192, 2}, std::pair{382, 100}, std::pair{192, 214}, std::pair{2, 214}}) {
+    desk.MoveTo(mouse_x, mouse_y);
+    desk.Step(130);
+    const double left = desk.ViewX(), top = desk.ViewY();
+    const Box view = {left, top, left + 384, top + 216};
+    double covered = 0;
+    for (const DrawnPicture& picture : LookAtRoom(desk).pictures) {
+      if (!picture.name.empty() || picture.colour != kDarkGrey) continue;
+      EXPECT_FALSE(picture.box.Touches(section)) << picture;
+      covered += (std::min(view.right, picture.box.right) - std::max(view.left, picture.box.left)) *
+                 (std::min(view.bottom, picture.box.bottom) - std::max(view.top, picture.box.top));
+    }
+    const double shown_of_section =
+        std::max(0.0, std::min(view.right, section.right) - std::max(view.left, section.left)) *
+        std::max(0.0, std::min(view.bottom, section.bottom) - std::max(view.top, section.top));
+    EXPECT_EQ(covered, 384 * 216 - shown_of_section) << left << "," << top;
+  }
+}
+
 // ---- the section's size and the view ----
 
 TEST(EditorDrawing, ResizingStopsAtTheLeastSizeAndAtContent) {
@@ -561,6 +587,11 @@ TEST(EditorDrawing, WaterKeepsToTheSection) {
   EXPECT_EQ(desk.Game().Edit(desk.Directory() + "/Level/Wet.json", "Main"), "");
   EXPECT_EQ(desk.Real(obj_watershader_editor, "y"), 16);
   EXPECT_EQ(desk.Text(obj_watershader_editor, "sprite_index"), std::to_string(spr_watertop_r));
+  const DrawnFrame wet = LookAtRoom(desk);
+  EXPECT_GE(std::ranges::count(wet.pictures, "spr_watertop_r", &DrawnPicture::name), 24); // all in view
+  EXPECT_TRUE(std::ranges::any_of(wet.pictures, [](const DrawnPicture& picture) { // from there to the bottom
+    return picture.box == Box{0, 32, 250 * 16, 15 * 16};
+  }));
   desk.ClickButton("Settings");
   for (int i = 0; i < 3; ++i) desk.ClickNotify("WATER_INC");
   EXPECT_EQ(desk.Setting("WATER_LEVEL"), 15);
