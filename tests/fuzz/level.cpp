@@ -3,6 +3,8 @@
 #include "Files/Base/Error.h"
 #include "Files/Function/Function_Data_Structures.h"
 #include "Files/Function/Function_Math.h"
+#include "Files/IO/IO.h"
+#include "Platform/Hash.h"
 #include "apps/container/EmbeddedContainer.h"
 #include "game/level/catalogue.h"
 #include "game/level/level_build.h"
@@ -27,7 +29,9 @@ extern "C" size_t LLVMFuzzerMutate(uint8_t* data, size_t size, size_t maxSize);
 
 namespace {
 
-constexpr int64_t kPlayedFrames = 40; // past the fade, so that everything has woken
+constexpr int64_t kOpeningFrames = 40; // past the fade, so that everything has woken
+constexpr int kStrokes = 8;            // of all keys, by chance
+constexpr int64_t kStrokeFrames = 10;
 constexpr int64_t kEditedFrames = 4;
 constexpr int32_t kSeed = 1; // every input meets the same chance
 
@@ -51,11 +55,21 @@ void MustRun(const char* doing) {
   std::abort();
 }
 
-// ---- what levels are made of ----
-
 using Chance = std::minstd_rand;
 
 size_t Below(Chance& chance, size_t bound) { return chance() % std::max<size_t>(bound, 1); }
+
+void PlayByChance(Chance chance) {
+  Game().Step(kOpeningFrames);
+  constexpr int kKeys[] = {vk_left, vk_right, vk_up, vk_down, 'X', 'Z', vk_space};
+  for (int stroke = 0; stroke < kStrokes; ++stroke) {
+    for (const int key : kKeys) Game().Key(key, Below(chance, 2) == 0);
+    Game().Step(kStrokeFrames);
+  }
+  for (const int key : kKeys) Game().Key(key, false);
+}
+
+// ---- what levels are made of ----
 
 std::string SomePair(Chance& chance, size_t bound) {
   return std::to_string(Below(chance, bound)) + "," + std::to_string(Below(chance, bound));
@@ -147,7 +161,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   std::ofstream(file, std::ios::binary) << text;
   random_set_seed(kSeed);
   if (start_level(file, "Main").empty()) {
-    game.Step(kPlayedFrames);
+    PlayByChance(Chance(Hash_Text(text)));
     MustRun("Playing");
     if (!start_editing(file, "Main").empty()) std::abort();
     game.Step(kEditedFrames);
