@@ -31,7 +31,7 @@ Words Separate(int argc, char** argv) {
   Words words;
   for (int at = 1; at < argc; ++at) {
     const std::string word = argv[at];
-    if (!word.starts_with("--")) {
+    if (!word.starts_with("--") && word != "-h") {
       words.runner.push_back(word);
       continue;
     }
@@ -73,7 +73,7 @@ int main(int argc, char** argv) {
       "\noptions.ini beside the game, [Windows]: CreateTexturesOnDemand, VertexBufferMethod (0 to 2),\n"
       "AlternateSyncMethod, SleepMargin. [DEFAULT]: Debug, Trace; OrientLandscape, OrientPortrait and\n"
       "their Flipped forms say how a screen that turns may be held.");
-  app.set_help_flag("--help", "Prints this text");
+  app.set_help_flag("-h,--help", "Prints this text");
   app.set_version_flag("--version", kVersion, "Prints the version");
   std::string level;
   app.add_option("--play", level, "Plays this level file at once")

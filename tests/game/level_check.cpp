@@ -4,15 +4,14 @@
 #include "Files/Function/Function_Data_Structures.h"
 #include "Files/Graphics/PngImage.h"
 #include "game/text.h"
+#include "tests/support/Program.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <array>
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <sys/wait.h>
 
 namespace vesk {
 
@@ -41,22 +40,7 @@ std::vector<std::string> Faults(const std::string& file) {
   return report.faults;
 }
 
-struct Outcome {
-  int code;
-  std::string output;
-};
-
-// Runs the program that stands beside this one.
-Outcome VeskLevel(const std::string& arguments) {
-  const std::string program = std::filesystem::read_symlink("/proc/self/exe").parent_path() / "vesk-level";
-  FILE* pipe = popen(("'" + program + "' " + arguments + " 2>&1").c_str(), "r");
-  EXPECT_NE(pipe, nullptr);
-  Outcome outcome{-1, ""};
-  std::array<char, 512> piece{};
-  while (fgets(piece.data(), piece.size(), pipe)) outcome.output += piece.data();
-  outcome.code = WEXITSTATUS(pclose(pipe));
-  return outcome;
-}
+ProgramRun VeskLevel(const std::string& arguments) { return RunProgram("vesk-level", arguments); }
 
 } // namespace
 
@@ -176,8 +160,8 @@ public:
   // What `render` draws; the test fails when it doesn't.
   PngImage Render(const std::string& level, const std::string& options = "") const {
     const std::string picture = Path("picture.png");
-    const Outcome outcome = VeskLevel("render '" + level + "' " + options + " -o '" + picture + "'");
-    EXPECT_EQ(outcome.code, 0) << outcome.output;
+    const ProgramRun outcome = VeskLevel("render '" + level + "' " + options + " -o '" + picture + "'");
+    EXPECT_EQ(outcome.code, 0) << outcome.out;
     std::ifstream file(picture, std::ios::binary);
     const std::string bytes((std::istreambuf_iterator<char>(file)), {});
     PngImage image;
@@ -216,15 +200,15 @@ TEST(LevelProgram, TellsByItsExitCodeAndInWords) {
   const std::string bad =
       folder.Write("bad.json", R"({"Main":)" + Section(R"("OBJECTS":{"3,4":"Coinn"})") + "}");
   const std::string none = folder.Path("none.json");
-  const Outcome fine = VeskLevel("check '" + good + "'");
+  const ProgramRun fine = VeskLevel("check '" + good + "'");
   EXPECT_EQ(fine.code, 0);
-  EXPECT_EQ(fine.output, good + ": all well\n");
-  const Outcome all = VeskLevel("check '" + bad + "' '" + none + "' '" + good + "'");
+  EXPECT_EQ(fine.out, good + ": all well\n");
+  const ProgramRun all = VeskLevel("check '" + bad + "' '" + none + "' '" + good + "'");
   EXPECT_EQ(all.code, 1);
-  EXPECT_THAT(all.output,
+  EXPECT_THAT(all.out,
               testing::HasSubstr(bad + ": section \"Main\", OBJECTS, cell 3,4: unknown code \"Coinn\"\n"));
-  EXPECT_THAT(all.output, testing::HasSubstr(none + ": "));
-  EXPECT_THAT(all.output, testing::HasSubstr(good + ": all well\n")); // whatever stood before it
+  EXPECT_THAT(all.out, testing::HasSubstr(none + ": "));
+  EXPECT_THAT(all.out, testing::HasSubstr(good + ": all well\n")); // whatever stood before it
   EXPECT_EQ(VeskLevel("check '" + none + "'").code, 1);
   EXPECT_EQ(VeskLevel("check").code, 2);
   EXPECT_EQ(VeskLevel("examine").code, 2);
@@ -239,9 +223,9 @@ TEST(LevelProgram, InfoCounts) {
           Section(R"("TILES":{"3,4":"1,4","4,4":"1,4"},"OBJECTS":{"1,1":"Key","2,1":"Coin","3,1":"Coin"},)"
                   R"("MARKERS":{"6,6":"Door"},"MODIFIERS":{"6,6":"TEXT:Here","7,7":"DESTINATION:Here"})") +
           "}");
-  const Outcome info = VeskLevel("info '" + level + "'");
+  const ProgramRun info = VeskLevel("info '" + level + "'");
   EXPECT_EQ(info.code, 0);
-  EXPECT_EQ(info.output,
+  EXPECT_EQ(info.out,
             level +
                 ": 1 section\n"
                 "  \"Main\": 30 by 20 cells, music Cool, background Wall, Blue water of 3 cells, darkness\n"
@@ -306,9 +290,9 @@ TEST(LevelProgram, SaysWhyItCantRender) {
   const std::string good = folder.Write("good.json", R"({"Main":)" + Section("") + "}");
   const std::string bad = folder.Write("bad.json", "{");
   const auto said = [&](const std::string& arguments) {
-    const Outcome outcome = VeskLevel("render " + arguments);
-    EXPECT_EQ(outcome.code, 1) << outcome.output;
-    return outcome.output;
+    const ProgramRun outcome = VeskLevel("render " + arguments);
+    EXPECT_EQ(outcome.code, 1) << outcome.out;
+    return outcome.out;
   };
   const std::string picture = " -o '" + folder.Path("p.png") + "'";
   EXPECT_THAT(said("'" + good + "' --section Gone" + picture), testing::HasSubstr("Gone"));

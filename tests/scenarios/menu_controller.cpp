@@ -9,6 +9,7 @@
 #include "tests/scenarios/DrawnFrame.h"
 #include "tests/scenarios/EditorDesk.h"
 #include "tests/scenarios/Stage.h"
+#include "tests/support/Program.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -230,6 +231,26 @@ TEST(MenuController, FlagsWaveAndAreTaken) {
   EXPECT_EQ(health.Get(), 25);
   EXPECT_TRUE(LookAtRoom(desk).Find("spr_flag_tovin"));
   EXPECT_EQ(desk.Global("checkpoint_x"), 4 * 16 + 8);
+}
+
+TEST(MenuController, TheCommandLineIsAnsweredInWords) {
+  const std::string nowhere = (std::filesystem::temp_directory_path() / "vesk-nowhere.json").string();
+  const std::string folder = std::filesystem::temp_directory_path().string();
+  const struct {
+    std::string arguments;
+    bool well;
+    std::string words;
+  } lines[] = {
+      {"--help", true, "--play FILE  "},     {"-h", true, "--play FILE  "},
+      {"--version", true, "Vesk Editor 1."}, {"--play " + nowhere, false, nowhere},
+      {"--play=" + nowhere, false, nowhere}, {"--play " + folder, false, "directory"},
+      {"--play", false, "--play"},           {"--colour", false, "--colour"},
+  };
+  for (const auto& line : lines) {
+    const ProgramRun run = RunProgram("vesk-editor", line.arguments);
+    EXPECT_EQ(run.code == 0, line.well) << line.arguments << ": " << run.code;
+    EXPECT_THAT(run.out, HasSubstr(line.words)) << line.arguments;
+  }
 }
 
 // The runner reads the same game out of a file as out of the program.

@@ -5,14 +5,12 @@
 #include "sim/Look.h"
 #include "sim/Script.h"
 #include "tests/scenarios/Stage.h"
+#include "tests/support/Program.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -291,28 +289,9 @@ TEST_F(Scripts, TellOfAFatalErrorWhole) {
 
 // ---- the program itself ----
 
-struct Program {
-  int code;
-  std::string out;
-};
-Program Execute(const std::string& arguments) {
-  const std::filesystem::path binary =
-      std::filesystem::read_symlink("/proc/self/exe").parent_path() / "vesk-sim";
-  std::FILE* pipe = popen((binary.string() + " " + arguments + " 2>&1").c_str(), "r");
-  std::string out;
-  std::array<char, 4096> bytes;
-  while (pipe)
-    if (const size_t count = fread(bytes.data(), 1, bytes.size(), pipe))
-      out.append(bytes.data(), count);
-    else
-      break;
-  const int status = pipe ? pclose(pipe) : -1;
-  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, out};
-}
+ProgramRun Execute(const std::string& arguments) { return RunProgram("vesk-sim", arguments); }
 
 TEST_F(Scripts, ProgramGivesItsExitCodes) {
-  if (!std::filesystem::exists(std::filesystem::read_symlink("/proc/self/exe").parent_path() / "vesk-sim"))
-    GTEST_SKIP() << "vesk-sim is not built";
   Write("well.sim", Play() + "step 40\nexpect obj_tovin.x == 40");
   Write("fails.sim", Play() + "step 40\nexpect obj_tovin.x == 1");
   Write("bad.sim", "dance");
