@@ -78,7 +78,7 @@ std::string Simulation::Start() {
   setup.saveBase = m_directory;
   setup.quiet = true; // standard output is the script's
   setup.makeDevice = [this]() -> std::unique_ptr<IRenderDevice> {
-    if (m_settings.pictures) return RenderDevice_MakeSoftware(384, 216);
+    if (m_settings.pictures) return RenderDevice_MakeSoftware(384, 216, &m_blind);
     return std::make_unique<CRecordingDevice>();
   };
   Runner_Begin(std::move(setup));

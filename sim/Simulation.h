@@ -36,6 +36,8 @@ public:
   int64_t Frame() const { return m_frame; }
   // Runs frames until the count or the end of the game.
   void Step(int64_t frames = 1);
+  // With pictures: whether the frames that follow are drawn. What was drawn before stays.
+  void DrawPictures(bool draw) { m_blind = !draw; }
   // Called after every frame.
   void OnFrame(std::function<void()> watcher) { m_watcher = std::move(watcher); }
 
@@ -74,6 +76,7 @@ private:
   std::string m_startDirectory; // where relative names of files begin
   bool m_ownsDirectory = false;
   bool m_started = false;
+  bool m_blind = false;
   int64_t m_frame = 0;
   std::function<void()> m_watcher;
 };

@@ -128,6 +128,8 @@ public:
 // OpenGL ES 2.0 on the window's context, which is made when it has none. Null with the reason in `why`.
 std::unique_ptr<IRenderDevice> RenderDevice_MakeOpenGL(IWindow& window, std::string& why);
 // Draws on the CPU: nearest sampling, exact blending with rounding to nearest. Has no programs of its own.
-std::unique_ptr<IRenderDevice> RenderDevice_MakeSoftware(int32_t width, int32_t height);
+// While `blind`, which outlives the device, is true, what is drawn is dropped.
+std::unique_ptr<IRenderDevice> RenderDevice_MakeSoftware(int32_t width, int32_t height,
+                                                         const bool* blind = nullptr);
 
 } // namespace vesk

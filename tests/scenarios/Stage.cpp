@@ -1,5 +1,6 @@
 #include "tests/scenarios/Stage.h"
 
+#include "Files/Graphics/Graphics.h"
 #include "Files/Object/Object.h"
 #include "apps/container/EmbeddedContainer.h"
 #include "sim/Look.h"
@@ -83,15 +84,18 @@ std::string LevelText(const Rows& rows, const LevelSettings& settings) {
   return "{\"Main\":" + SectionText(rows, settings) + "}";
 }
 
-Stage::Stage(int32_t seed) {
+Stage::Stage(int32_t seed, bool pictures) {
   SimulationSettings settings;
   settings.seed = seed;
+  settings.pictures = pictures;
   settings.container = {EmbeddedContainer(), EmbeddedContainerSize()};
   m_game = std::make_unique<Simulation>(settings);
+  m_game->DrawPictures(false);
   EXPECT_EQ(m_game->Start(), "");
 }
 
-Stage::Stage(const Rows& rows, const LevelSettings& settings, int32_t seed) : Stage(seed) {
+Stage::Stage(const Rows& rows, const LevelSettings& settings, int32_t seed, bool pictures)
+    : Stage(seed, pictures) {
   WriteLevel("drawn", LevelText(rows, settings));
   EXPECT_EQ(m_game->Play(LevelFile("drawn"), "Main"), "");
 }
@@ -113,6 +117,13 @@ std::string Stage::ReadLevel(const std::string& name) const {
   std::stringstream text;
   text << file.rdbuf();
   return text.str();
+}
+
+void Stage::Draw(int64_t frames) {
+  Step(frames - 1);
+  m_game->DrawPictures(true);
+  Step();
+  m_game->DrawPictures(false);
 }
 
 void Stage::Hold(std::string_view keys) {
@@ -138,6 +149,15 @@ std::vector<CInstance*> Stage::All(std::string_view object) const {
   const int32_t index = Object_FindByName(std::string(object).c_str());
   EXPECT_GE(index, 0) << "no object " << object;
   return InstancesOf(index);
+}
+
+Pixel Stage::At(int x, int y) const {
+  const WindowPicture picture = Graphics_ReadBackBuffer();
+  EXPECT_TRUE(x >= 0 && x < picture.width && y >= 0 && y < picture.height) << x << ", " << y;
+  const size_t at =
+      4 * (static_cast<size_t>(y) * static_cast<size_t>(picture.width) + static_cast<size_t>(x));
+  if (at + 2 >= picture.pixels.size()) return {};
+  return {picture.pixels[at], picture.pixels[at + 1], picture.pixels[at + 2]};
 }
 
 size_t Stage::Count(std::string_view object) const { return All(object).size(); }

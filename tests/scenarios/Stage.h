@@ -34,12 +34,18 @@ Rows Framed(const Rows& rows);
 std::string SectionText(const Rows& rows, const LevelSettings& settings = {});
 std::string LevelText(const Rows& rows, const LevelSettings& settings = {});
 
+// A pixel of the window, each channel 0 to 255.
+struct Pixel {
+  int red = 0, green = 0, blue = 0;
+};
+
 class Stage {
 public:
   // Plays the drawing to the first frame in which the hero can move.
-  explicit Stage(const Rows& rows, const LevelSettings& settings = {}, int32_t seed = 1);
-  // A started game with no level.
-  explicit Stage(int32_t seed = 1);
+  explicit Stage(const Rows& rows, const LevelSettings& settings = {}, int32_t seed = 1,
+                 bool pictures = false);
+  // A started game with no level. With pictures a frame is drawn where Draw says so.
+  explicit Stage(int32_t seed = 1, bool pictures = false);
   ~Stage();
 
   Simulation& Game() { return *m_game; }
@@ -48,6 +54,8 @@ public:
   std::string LevelFile(const std::string& name) const;
 
   void Step(int64_t frames = 1) { m_game->Step(frames); }
+  // Runs frames and draws the last one.
+  void Draw(int64_t frames = 1);
   void Hold(std::string_view keys); // of L R U D J A; what isn't named is let go
   // Until the hero stands still on the ground.
   void Settle();
@@ -58,6 +66,8 @@ public:
   double Global(std::string_view variable) const;
   std::string GlobalText(std::string_view variable) const;
   size_t Count(std::string_view object) const;
+  // Of the frame drawn last, in view pixels. Bloom and waves are left out.
+  Pixel At(int x, int y) const;
   std::vector<CInstance*> All(std::string_view object) const;
   void Set(std::string_view object, std::string_view variable, double value);
   void SetGlobal(std::string_view variable, double value);

@@ -49,7 +49,7 @@ double Factor(uint32_t factor, const Pixel& source, const Pixel& target, size_t 
 
 class CSoftwareDevice final : public IRenderDevice {
 public:
-  CSoftwareDevice(int32_t width, int32_t height) { Reset(width, height); }
+  CSoftwareDevice(int32_t width, int32_t height, const bool* blind) : m_blind(blind) { Reset(width, height); }
 
   const char* Name() const override { return "software"; }
   int32_t MaxTextureSize() const override { return 8192; }
@@ -148,6 +148,7 @@ public:
   }
   void DrawFromMemory(Primitive primitive, uint32_t format, int32_t stride, const uint8_t* data,
                       int32_t vertices) override {
+    if (m_blind && *m_blind) return;
     const auto at = [&](int32_t i) { return Transform(format, data + static_cast<ptrdiff_t>(i) * stride); };
     m_sampled = m_texture ? &m_textures[m_texture - 1] : nullptr;
     if (m_sampled && m_texture == m_target) { // drawn into itself: from what it held before
@@ -322,6 +323,7 @@ private:
       }
   }
 
+  const bool* m_blind;
   Image m_back;
   std::vector<Image> m_textures;
   std::vector<std::vector<uint8_t>> m_buffers;
@@ -337,8 +339,8 @@ private:
 
 } // namespace
 
-std::unique_ptr<IRenderDevice> RenderDevice_MakeSoftware(int32_t width, int32_t height) {
-  return std::make_unique<CSoftwareDevice>(width, height);
+std::unique_ptr<IRenderDevice> RenderDevice_MakeSoftware(int32_t width, int32_t height, const bool* blind) {
+  return std::make_unique<CSoftwareDevice>(width, height, blind);
 }
 
 } // namespace vesk
