@@ -262,6 +262,7 @@ TEST(Lava, ARunIsAsWideAsItsScaleInShapePictureAndLight) {
   EXPECT_GT(middle, left);
   EXPECT_GT(Brightness(stage.At(160 + 5 * 16 + 34, top + 8)), 0); // lit from the last cell alone
   EXPECT_EQ(Brightness(stage.At(160 + 4 * 16 + 8 + 66, top + 8)), 0);
+  EXPECT_EQ(Brightness(stage.At(160 + 8 - 66, top + 8)), 0);
   stage.Set("obj_lightmanager", "visible", 0);
   stage.Draw();
   for (int cell = 0; cell < 4; ++cell)
