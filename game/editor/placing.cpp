@@ -71,8 +71,8 @@ void ModifierDrawGui(Self self) {
 // ---- the light of a placeholder ----
 
 void LightCreate(Self self) {
-  self[light_color] = make_colour_rgb(128, 116, 78);
-  self[light_mask] = spr_megadark;
+  self[light_color] = kLightOf<obj_lamplight>.colour; // unless the catalogue says otherwise
+  self[light_mask] = kLightOf<obj_lamplight>.sprite;
 }
 
 void LightShine(Self self) {

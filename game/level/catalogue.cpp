@@ -2,6 +2,7 @@
 
 #include "game/Game.h"
 #include "game/level/level_build.h"
+#include "game/play/lighting.h"
 #include "game/text.h"
 
 #include <unordered_map>

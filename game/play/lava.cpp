@@ -27,7 +27,7 @@ void StretchDraw(Self self) {
 }
 
 void StretchShine(Self self) {
-  constexpr Light light = LightOf(obj_lava);
+  constexpr Light light = kLightOf<obj_lava>;
   for_each_cell(self, [&](double left) {
     draw_sprite_ext(self, light.sprite, 0, left + 8 - view_xview[0], self[y] + 8 - view_yview[0], 1, 1, 0,
                     light.colour, 1);

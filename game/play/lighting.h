@@ -48,20 +48,23 @@ inline constexpr Light kLights[] = {
     {obj_ombrel_fire, spr_smallerdark, detail::kFireGlow},
 };
 
-// The row of the object; as a constant, an object without one doesn't compile.
-constexpr Light LightOf(int object) {
+namespace detail {
+constexpr Light FindLight(int object) {
   for (const Light& light : kLights)
     if (light.object == object) return light;
-  throw "the object gives no light";
+  throw "the object gives no light"; // stops the build
 }
+} // namespace detail
+
+// The row of an object; one without a row doesn't compile.
+template <int kObject> inline constexpr Light kLightOf = detail::FindLight(kObject);
 
 // Draws the light sprite at the centre of the instance's box, in view coordinates, tinted.
 void scr_emit_light(Self instance, int sprite, int colour);
 
 // The event of a thing that shines as its row says: {ev_other, ev_user(kGivesLight), Shine<obj_torchfire>}.
 template <int kObject> void Shine(Self self) {
-  constexpr Light light = LightOf(kObject);
-  scr_emit_light(self, light.sprite, light.colour);
+  scr_emit_light(self, kLightOf<kObject>.sprite, kLightOf<kObject>.colour);
 }
 
 } // namespace vesk

@@ -13,7 +13,7 @@ void FireCreate(Self self) { self[image_speed] = 0.3; }
 
 // ---- obj_lamplight: the look is its frame, the glass gives the colour ----
 
-constexpr Light kLamp = LightOf(obj_lamplight);
+constexpr Light kLamp = kLightOf<obj_lamplight>;
 
 void LampCreate(Self self) {
   self[image_speed] = 0;
@@ -42,7 +42,7 @@ void LightableStep(Self self) {
 }
 
 void LightableShine(Self self) {
-  constexpr Light light = LightOf(obj_torchfire);
+  constexpr Light light = kLightOf<obj_torchfire>;
   draw_sprite_ext(self, light.sprite, 0, self[x] + 8 - view_xview[0], self[y] + 8 - view_yview[0],
                   self[image_alpha], self[image_alpha], 0, light.colour, 1);
 }
