@@ -6,6 +6,7 @@
 #include "Files/Graphics/DrawScreen.h"
 #include "Files/Graphics/PngImage.h"
 #include "Files/Graphics/Shader.h"
+#include "Files/Graphics/Shapes.h"
 #include "Files/Graphics/Surface.h"
 #include "Files/Graphics/Texture.h"
 #include "Files/Graphics/View.h"
@@ -361,6 +362,42 @@ TEST_P(Pictures, PartsTilesAndCornersOfACroppedFrame) {
     return u >= 0 && u < 10 && v >= 0 && v < 12 ? PagePixel(2 + u, 3 + v) : old;
   });
   Expect(canvas, 0);
+}
+
+// Four texels in a row, ten times as wide: mixed with their neighbours, and going round where asked.
+TEST_P(Pictures, FilteringMixesNeighboursAndRepeatingGoesRound) {
+  const int red[] = {0, 100, 200, 240};
+  std::vector<uint8_t> pixels;
+  for (const int value : red)
+    for (const int channel : {value, 0, 0, 255}) pixels.push_back(static_cast<uint8_t>(channel));
+  const int32_t texture = Texture_CreateFromPixels(4, 1, pixels.data(), 16);
+  PageEntry entry = stage->Entry(0, 0, 4, 1);
+  entry.texture = static_cast<int16_t>(texture);
+  const int sprite = stage->Sprite(4, 1, {entry});
+  texture_set_interpolation(true);
+  draw_sprite_stretched(nullptr, sprite, 0, 10, 5, 40, 8);
+  FlushBatch();
+  texture_set_interpolation(false);
+  texture_set_repeat(true);
+  draw_set_colour(c_white);
+  draw_primitive_begin_texture(pr_trianglestrip, texture);
+  draw_vertex_texture(10, 30, -1, 0);
+  draw_vertex_texture(90, 30, 3, 0);
+  draw_vertex_texture(10, 40, -1, 1);
+  draw_vertex_texture(90, 40, 3, 1);
+  draw_primitive_end();
+  FlushBatch();
+  texture_set_repeat(false);
+  Canvas canvas = NewCanvas();
+  canvas.Fill(10, 5, 50, 13, [&](int x, int, Rgba) {
+    const double at = std::clamp((x + 0.5) / 10 - 0.5, 0.0, 3.0);
+    const int left = std::min(static_cast<int>(at), 2);
+    return Rgba{RoundToByte(red[left] + (red[left + 1] - red[left]) * (at - left)), 0, 0, 255};
+  });
+  canvas.Fill(10, 30, 90, 40, [&](int x, int, Rgba) {
+    return Rgba{static_cast<uint8_t>(red[x / 5 % 4]), 0, 0, 255};
+  });
+  Expect(canvas, 2);
 }
 
 TEST_P(Pictures, CornerColoursRunThroughTheTriangles) {

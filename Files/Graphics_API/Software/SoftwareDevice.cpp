@@ -232,24 +232,42 @@ private:
     return corner;
   }
 
-  static int32_t Address(double coordinate, int32_t size, bool wraps) {
-    const auto texel = static_cast<int64_t>(std::floor(coordinate * size));
+  static int32_t Address(double place, int32_t size, bool wraps) { // in texels
+    const auto texel = static_cast<int64_t>(std::floor(place));
     if (wraps) return static_cast<int32_t>(((texel % size) + size) % size);
     return static_cast<int32_t>(std::clamp<int64_t>(texel, 0, size - 1));
   }
 
-  void Shade(Image& target, int32_t x, int32_t y, double u, double v, const std::array<double, 4>& colour) {
-    Pixel source{255, 255, 255, 255};
-    if (m_sampled) {
-      const Image& texture = *m_sampled;
-      const uint8_t* texel =
-          &texture.pixels[Offset(texture, Address(u, texture.width, m_sampler[kSamplerAddressU] == 0),
-                                 Address(v, texture.height, m_sampler[kSamplerAddressV] == 0))];
-      source = {texel[0], texel[1], texel[2], texel[3]};
+  const uint8_t* Texel(double x, double y) const {
+    const Image& texture = *m_sampled;
+    return &texture.pixels[Offset(texture, Address(x, texture.width, m_sampler[kSamplerAddressU] == 0),
+                                  Address(y, texture.height, m_sampler[kSamplerAddressV] == 0))];
+  }
+
+  // The texel at the place, or with the filter on the four around it by their nearness.
+  std::array<double, 4> Sample(double u, double v) const {
+    if (!m_sampled) return {255, 255, 255, 255};
+    double x = u * m_sampled->width, y = v * m_sampled->height;
+    if (m_sampler[kSamplerMagnify] != 1) {
+      const uint8_t* texel = Texel(x, y);
+      return {double(texel[0]), double(texel[1]), double(texel[2]), double(texel[3])};
     }
-    std::array<double, 4> exact;
-    for (size_t i = 0; i < 4; ++i) exact[i] = source[i] * colour[i] / 255.0;
+    x -= 0.5, y -= 0.5;
+    const double right = x - std::floor(x), below = y - std::floor(y);
+    const uint8_t *topLeft = Texel(x, y), *topRight = Texel(x + 1, y), *bottomLeft = Texel(x, y + 1),
+                  *bottomRight = Texel(x + 1, y + 1);
+    std::array<double, 4> mixed;
+    for (size_t i = 0; i < 4; ++i)
+      mixed[i] = std::lerp(std::lerp(double(topLeft[i]), double(topRight[i]), right),
+                           std::lerp(double(bottomLeft[i]), double(bottomRight[i]), right), below);
+    return mixed;
+  }
+
+  void Shade(Image& target, int32_t x, int32_t y, double u, double v, const std::array<double, 4>& colour) {
+    std::array<double, 4> exact = Sample(u, v);
+    for (size_t i = 0; i < 4; ++i) exact[i] = exact[i] * colour[i] / 255.0;
     if (m_states[kStateAlphaTest] && exact[3] <= m_states[kStateAlphaReference]) return;
+    Pixel source;
     for (size_t i = 0; i < 4; ++i) source[i] = static_cast<int32_t>(exact[i] + 0.5);
     uint8_t* at = &target.pixels[Offset(target, x, y)];
     const Pixel old{at[0], at[1], at[2], at[3]};
