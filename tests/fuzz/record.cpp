@@ -39,7 +39,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     for (int key = 0; key < 256; ++key)
       down += keyboard_check(key) + keyboard_check_pressed(key) + keyboard_check_released(key);
     for (int button = 0; button < 4; ++button) down += mouse_check_button(button);
-    down += IO_GetKeyboardLastKey() + static_cast<int>(IO_GetKeyboardLastChar().size());
+    down += IO_GetKeyboardLastKey();
+    down += static_cast<int64_t>(IO_GetKeyboardLastChar().size());
   }
   input.playback.Close();
   IO_Reset();
