@@ -13,7 +13,7 @@ namespace {
 
 enum Mode { kBrowsing, kNaming };
 constexpr int kFirstRowTop = 36, kRowStep = 32; // room pixels
-constexpr int kEdge = 8;
+constexpr int kBarBottom = 34, kEdge = 8;       // view pixels
 constexpr const char* kGone = "The level is gone!";
 constexpr const char* kDamaged = "This level is damaged!";
 constexpr double kNameRoom = 240; // pixels of a row's name
@@ -153,11 +153,13 @@ void draw_bar(Self self) {
 
 void DrawGui(Self self) { draw_bar(self); }
 
-// Rows that have been scrolled under the bar must not shine through its labels.
+// Rows that have been scrolled under the bar must neither shine through its labels nor take clicks there.
+bool bar_covers_rows() { return view_yview[0] > 0; }
+
 void cover_rows(Self self) {
-  if (view_yview[0] <= 0) return;
+  if (!bar_covers_rows()) return;
   draw_set_colour(c_black);
-  draw_rectangle(0, 0, view_wview[0], kFirstRowTop - 2, false);
+  draw_rectangle(0, 0, view_wview[0], kBarBottom, false);
   draw_set_colour(c_white);
   draw_bar(self);
 }
@@ -206,6 +208,7 @@ std::string load_level(const std::string& level) {
 
 // A damaged level is refused in the menu's own line; the menu stands.
 void RowNotified(Self self) {
+  if (bar_covers_rows() && mouse_y - view_yview[0] <= kBarBottom) return;
   if (const std::string refusal = load_level(self[name].text()); !refusal.empty()) {
     with(obj_mainmenu, [&](Self menu) { refuse(menu, refusal); });
     return;

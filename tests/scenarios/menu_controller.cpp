@@ -56,6 +56,22 @@ TEST(MenuController, KeysScrollTheListWhileTheMouseLiesAtAnEdge) {
   EXPECT_EQ(desk.ViewY(), 0);
 }
 
+// "Randomize" stays in sight when its button has scrolled away; a row's "Edit" below it is no trap.
+TEST(MenuController, ARowUnderTheBarTakesNoClick) {
+  EditorDesk desk;
+  for (char c = 'a'; c < 'q'; ++c) desk.Write(std::string("level ") + c, LevelText(kFloor));
+  desk.OpenMenu();
+  desk.Hold(kKeyDown);
+  while (desk.ViewY() < 32) desk.Step();
+  desk.Release(kKeyDown);
+  desk.Click(345, 18);
+  desk.Step(30);
+  EXPECT_EQ(desk.RoomNow(), rm_mainmenu);
+  desk.Click(345, 50); // the next row's
+  desk.Step(30);
+  EXPECT_EQ(desk.RoomNow(), rm_editor);
+}
+
 TEST(MenuController, DamagedSettingsBecomeSettingsAgain) {
   const std::string directory = (std::filesystem::temp_directory_path() / "vesk-damaged-settings").string();
   std::filesystem::create_directories(directory);
