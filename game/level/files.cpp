@@ -23,6 +23,12 @@ RValue Call(Slot handle, std::initializer_list<RValue> arguments) {
   return external_call(global[handle], arguments);
 }
 
+// With external calls switched off every result is the number 0, which is no name and no line.
+std::string CallForText(Slot handle, std::initializer_list<RValue> arguments) {
+  const RValue result = Call(handle, arguments);
+  return result.IsString() ? std::string(result.Text()) : "";
+}
+
 } // namespace
 
 bool FS_init() {
@@ -53,14 +59,10 @@ double FS_file_text_write_string(double file, std::string text) {
 double FS_file_text_open_read(std::string path) {
   return ValueAsReal(Call(dll_file_text_open_read, {path, kAnyEncoding}));
 }
-std::string FS_file_text_read_string(double file) {
-  return ValueAsText(Call(dll_file_text_read_string, {file}));
-}
+std::string FS_file_text_read_string(double file) { return CallForText(dll_file_text_read_string, {file}); }
 double FS_file_text_close(double file) { return ValueAsReal(Call(dll_file_text_close, {file})); }
 bool FS_file_exists(std::string path) { return ValueAsBool(Call(dll_file_exists, {path})); }
-std::string FS_file_find_first(std::string pattern) {
-  return ValueAsText(Call(dll_file_find_first, {pattern}));
-}
-std::string FS_file_find_next() { return ValueAsText(Call(dll_file_find_next, {})); }
+std::string FS_file_find_first(std::string pattern) { return CallForText(dll_file_find_first, {pattern}); }
+std::string FS_file_find_next() { return CallForText(dll_file_find_next, {}); }
 
 } // namespace vesk

@@ -1,6 +1,7 @@
 // What surrounds a level: the controller's commands, settings and files, the list of levels, the pause menu.
 #include "Files/Background/DrawBackground.h"
 #include "Files/Base/Error.h"
+#include "Files/Function/Function_External.h"
 #include "Files/Graphics/Surface.h"
 #include "apps/container/EmbeddedContainer.h"
 #include "game/Game.h"
@@ -247,6 +248,21 @@ TEST(MenuController, FlagsWaveAndAreTaken) {
   EXPECT_EQ(health.Get(), 25);
   EXPECT_TRUE(LookAtRoom(desk).Find("spr_flag_tovin"));
   EXPECT_EQ(desk.Global("checkpoint_x"), 4 * 16 + 8);
+}
+
+// As -ext does: every call of the file library gives the number 0.
+TEST(MenuController, WithoutTheFileLibraryTheListIsEmpty) {
+  EditorDesk desk;
+  desk.Write("there", LevelText(kFloor));
+  desk.Step(2);
+  External_DisableCalls();
+  desk.OpenMenu();
+  EXPECT_EQ(desk.Count(obj_mainmenu_level), 0u);
+  desk.ClickNotify("NEW");
+  desk.Type("New");
+  desk.ClickNotify("RANDOM");
+  desk.Step(40);
+  EXPECT_EQ(desk.RoomNow(), rm_editor);
 }
 
 TEST(MenuController, TheCommandLineIsAnsweredInWords) {
