@@ -49,7 +49,7 @@ struct Gamepad {
 struct GamepadState {
   std::vector<Gamepad> pads;
   std::vector<size_t> freeRaw; // of slots 4 to 11: the last is taken first, what is given back goes on top
-  bool pollStandard = true; // the data allows slots 0 to 3
+  bool pollStandard = true;    // the data allows slots 0 to 3
   bool started = false;
   bool missingLogged = false;
   // Told of every pad that comes or goes; null: nobody listens.

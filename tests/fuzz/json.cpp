@@ -59,7 +59,8 @@ void CompareWithJsonC(const std::string& text, int32_t map) {
   json_object* object = json_tokener_parse_ex(tokener, text.c_str(), -1);
   // A text that ends within a comment counts as read as well, and gives whatever stood before the comment.
   const bool read = json_tokener_get_error(tokener) == json_tokener_success &&
-                    json_object_is_type(object, json_type_object) && text.find('/') == text.npos;
+                    json_object_is_type(object, json_type_object) && text.find("//") == text.npos &&
+                    text.find("/*") == text.npos;
   if (read && (map < 0 || !SameMap(map, object))) std::abort();
   json_object_put(object);
   json_tokener_free(tokener);
