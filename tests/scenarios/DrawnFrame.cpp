@@ -45,7 +45,7 @@ public:
       if (background) Add({background->name, 0, background->page});
   }
 
-  // An entry that is none's is a plain area.
+  // No name for what comes from no picture.
   Source Find(TextureHandle texture, float u, float v) const {
     const auto size = m_sizes.find(texture);
     if (size == m_sizes.end()) return {"", 0, nullptr};
@@ -180,10 +180,11 @@ std::ostream& operator<<(std::ostream& out, const DrawnPicture& picture) {
              << picture.colour << std::dec;
 }
 
-const DrawnPicture* DrawnFrame::Find(const std::string& name) const {
+std::optional<DrawnPicture> DrawnFrame::Find(const std::string& name) const {
   const auto found = std::find_if(pictures.rbegin(), pictures.rend(),
                                   [&](const DrawnPicture& picture) { return picture.name == name; });
-  return found == pictures.rend() ? nullptr : &*found;
+  if (found == pictures.rend()) return {};
+  return *found;
 }
 
 bool DrawnFrame::Reads(const std::string& text) const {

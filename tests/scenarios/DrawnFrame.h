@@ -2,6 +2,7 @@
 // What a frame draws into the room or over it: pictures by name and lines of text.
 #include <cstdint>
 #include <iosfwd>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -45,9 +46,9 @@ struct DrawnFrame {
   std::vector<DrawnPicture> pictures; // in the order in which they are drawn
   std::vector<DrawnLine> lines;
 
-  const DrawnPicture* Find(const std::string& name) const; // the last of the name; null when there is none
-  bool Reads(const std::string& text) const;               // whether a line says just that
-  std::string Words() const;                               // all lines
+  std::optional<DrawnPicture> Find(const std::string& name) const; // the last of the name
+  bool Reads(const std::string& text) const;                       // whether a line says just that
+  std::string Words() const;                                       // all lines
 };
 
 // Runs a frame and looks at what it drew over the room, in view pixels, or into it, in room pixels.

@@ -470,31 +470,32 @@ TEST(EditorDrawing, TheCellAndTheChoiceShowAtTheMouse) {
   const Box cell = {10 * 16, 6 * 16, 11 * 16, 7 * 16};
   desk.MoveToCell(10, 6);
   EXPECT_TRUE(marked(LookAtRoom(desk), cell, kGreen));
-  EXPECT_NE(LookAtFrame(desk).Find("spr_target")->frame, -1);
   desk.Down(Mouse::kRight);
   EXPECT_TRUE(marked(LookAtRoom(desk), cell, kRed));
   desk.Up(Mouse::kRight);
 
   desk.Choose("Item", "", "Big Ice");
   desk.MoveToCell(10, 6);
-  const DrawnPicture* preview = LookAtRoom(desk).Find("spr_ice_big");
-  ASSERT_NE(preview, nullptr);
+  const auto preview = LookAtRoom(desk).Find("spr_ice_big");
+  ASSERT_TRUE(preview);
   EXPECT_EQ(preview->box.left, cell.left);
   EXPECT_EQ(preview->box.top, cell.top);
-  EXPECT_EQ(LookAtFrame(desk).Find("spr_target")->frame, 1);
+  const auto cursor = LookAtFrame(desk).Find("spr_target");
+  ASSERT_TRUE(cursor);
+  EXPECT_EQ(cursor->frame, 1);
   desk.Down(Mouse::kRight);
-  EXPECT_EQ(LookAtRoom(desk).Find("spr_ice_big"), nullptr); // while it erases
+  EXPECT_FALSE(LookAtRoom(desk).Find("spr_ice_big")); // while it erases
   desk.Up(Mouse::kRight);
   desk.MoveTo(200, 20);
-  EXPECT_EQ(LookAtRoom(desk).Find("spr_ice_big"), nullptr); // over the toolbar
+  EXPECT_FALSE(LookAtRoom(desk).Find("spr_ice_big")); // over the toolbar
 
   desk.ChooseTiles(1, 3, 3, 2);
   desk.MoveToCell(10, 6);
-  const DrawnFrame stamp = LookAtRoom(desk);
-  ASSERT_NE(stamp.Find("bg_tiles"), nullptr);
-  EXPECT_EQ(stamp.Find("bg_tiles")->box, (Box{10 * 16, 6 * 16, 13 * 16, 8 * 16}));
-  EXPECT_EQ(stamp.Find("bg_tiles")->column, 16);
-  EXPECT_EQ(stamp.Find("bg_tiles")->row, 48);
+  const auto stamp = LookAtRoom(desk).Find("bg_tiles");
+  ASSERT_TRUE(stamp);
+  EXPECT_EQ(stamp->box, (Box{10 * 16, 6 * 16, 13 * 16, 8 * 16}));
+  EXPECT_EQ(stamp->column, 16);
+  EXPECT_EQ(stamp->row, 48);
 }
 
 // What the view shows beyond the section is dark grey, all of it and nothing else.

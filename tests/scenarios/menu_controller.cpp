@@ -238,7 +238,7 @@ TEST(MenuController, FlagsWaveAndAreTaken) {
   std::set<int> frames;
   for (int step = 0; step < 30; ++step) {
     const DrawnFrame room = LookAtRoom(desk);
-    if (const DrawnPicture* flag = room.Find("spr_flag_drommel")) frames.insert(flag->frame);
+    if (const auto flag = room.Find("spr_flag_drommel")) frames.insert(flag->frame);
   }
   EXPECT_THAT(frames, testing::ElementsAre(0, 1, 2, 3));
   health = 3;
