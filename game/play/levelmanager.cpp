@@ -181,16 +181,14 @@ void bring_carried_item(Self self) {
     global[shallihold] = 0;
   });
   item[held] = 1;
-  item[depth] = -4;
+  const bool gun = object_is_ancestor(global[carrieditem], obj_gunparent);
+  item[depth] = gun ? -6 : -4;
   if (global[carriedsprite] != noone) {
     item[sprite_index] = global[carriedsprite];
     global[carriedsprite] = noone;
   }
-  if (global[ammo] > 0) {
-    item[depth] = -6;
-    item[ammo] = global[ammo];
-    self[maxammo] = item[maxammo];
-  }
+  if (gun) item[ammo] = global[ammo]; // an empty one stays empty
+  if (global[ammo] > 0) self[maxammo] = item[maxammo];
   global[carrieditem] = noone;
 }
 

@@ -229,6 +229,22 @@ TEST(MenuController, KeysHeldByAPadThatIsUnpluggedOrSwitchedOff) {
   EXPECT_EQ(stage.Real("obj_tovin", "hspeed"), 0);
 }
 
+TEST(MenuController, AnEmptyGunIsCarriedOverEmpty) {
+  Stage stage(kFloor);
+  for (const auto& [item, depth] : {std::pair{obj_pistol, -6}, std::pair{obj_shell, -4}}) {
+    stage.SetGlobal("carrieditem", item);
+    stage.SetGlobal("ammo", 0);
+    ASSERT_EQ(stage.Game().Room("rm_template"), "");
+    ASSERT_EQ(InstancesOf(item).size(), 1u);
+    EXPECT_EQ(RealOf(InstancesOf(item)[0], "depth"), depth);
+    EXPECT_EQ(RealOf(InstancesOf(item)[0], "held"), 1);
+  }
+  stage.SetGlobal("carrieditem", obj_pistol);
+  ASSERT_EQ(stage.Game().Room("rm_template"), "");
+  EXPECT_EQ(stage.Real("obj_pistol", "ammo"), 0);
+  EXPECT_EQ(stage.Global("carrieditem"), noone);
+}
+
 TEST(MenuController, FlagsWaveAndAreTaken) {
   LevelSettings settings;
   settings.objects = {{"4,11", "Checkpoint"}};
