@@ -12,8 +12,6 @@
 #include <charconv>
 #include <cmath>
 #include <cstdio>
-#include <cstring>
-#include <map>
 
 namespace vesk {
 
@@ -127,106 +125,6 @@ int32_t CountTiles(double depth) {
   return static_cast<int32_t>(std::count_if(room->tiles.begin(), room->tiles.end(), [&](const Tile& tile) {
     return std::fabs(tile.depth - depth) < 1e-5;
   }));
-}
-
-// ---- checksum ----
-
-namespace {
-
-class Digest {
-public:
-  template <class T> void Add(const T& value) {
-    static_assert(std::is_arithmetic_v<T>);
-    unsigned char bytes[sizeof(T)];
-    std::memcpy(bytes, &value, sizeof(T));
-    for (const unsigned char byte : bytes) Byte(byte);
-  }
-  void Add(std::string_view text) {
-    Add(text.size());
-    for (const char c : text) Byte(static_cast<unsigned char>(c));
-  }
-  void Add(const RValue& value) {
-    Add(value.Kind());
-    if (value.IsString()) {
-      Add(value.Text());
-    } else if (value.IsArray()) {
-      Add(ArrayHeight2d(value));
-      for (int32_t row = 0; row < ArrayHeight2d(value); ++row)
-        for (int32_t column = 0; column < ArrayLength2d(value, row); ++column)
-          Add(*ArrayElementForRead(value, int64_t{row} * kRowStride + column));
-    } else if (value.IsNumber()) {
-      Add(ValueAsReal(value));
-    }
-  }
-  uint64_t Value() const { return m_hash; }
-
-private:
-  void Byte(unsigned char byte) { m_hash = (m_hash ^ byte) * 1099511628211ull; }
-  uint64_t m_hash = 14695981039346656037ull;
-};
-
-void AddSlots(Digest& digest, const ZqObjectBase& holder) {
-  std::map<int32_t, const RValue*> ordered;
-  holder.ForEachSlot([&](int32_t slot, const RValue& value) {
-    if (!value.IsUnset()) ordered.emplace(slot, &value);
-  });
-  for (const auto& [slot, value] : ordered) {
-    digest.Add(slot);
-    digest.Add(*value);
-  }
-}
-
-void AddInstance(Digest& digest, CInstance& it) {
-  digest.Add(it.id);
-  digest.Add(it.objectIndex);
-  for (const bool flag : {it.visible, it.solid, it.persistent, it.marked, it.deactivated}) digest.Add(flag);
-  for (const int32_t number : {it.spriteIndex, it.maskIndex, it.pathIndex}) digest.Add(number);
-  for (const float number :
-       {it.x,           it.y,           it.xPrevious,        it.yPrevious,  it.xStart,
-        it.yStart,      it.hspeed,      it.vspeed,           it.direction,  it.speed,
-        it.friction,    it.gravity,     it.gravityDirection, it.imageIndex, it.imageSpeed,
-        it.imageXScale, it.imageYScale, it.imageAngle,       it.imageAlpha, it.pathPosition,
-        it.depth})
-    digest.Add(number);
-  digest.Add(it.imageBlend);
-  for (const int32_t steps : it.alarm) digest.Add(steps);
-  AddSlots(digest, it);
-}
-
-void AddRoom(Digest& digest, const CRoom& room) {
-  digest.Add(room.width);
-  digest.Add(room.height);
-  for (const ViewSlot& view : room.views)
-    for (const float number : {view.xview, view.yview, view.wview, view.hview, view.angle})
-      digest.Add(number);
-  for (const BackgroundSlot& slot : room.backgrounds) {
-    digest.Add(slot.index);
-    digest.Add(slot.x);
-    digest.Add(slot.y);
-  }
-  for (const Tile& tile : room.tiles)
-    for (const double number :
-         {double{tile.x}, double{tile.y}, double(tile.left), double(tile.top), double{tile.depth}})
-      digest.Add(number);
-}
-
-} // namespace
-
-uint64_t WorldChecksum() {
-  Digest digest;
-  std::map<int32_t, CInstance*> ordered;
-  if (const CRoom* room = CurrentRoom()) {
-    digest.Add(Rooms().currentIndex);
-    AddRoom(digest, *room);
-    for (CInstance* head : {room->active.head, room->inactive.head})
-      for (CInstance* it = head; it; it = it->next) ordered.emplace(it->id, it);
-  }
-  for (const auto& [id, instance] : ordered) AddInstance(digest, *instance);
-  if (GlobalObject()) AddSlots(digest, *GlobalObject());
-  for (const char* name : {"health", "score", "lives"}) digest.Add(ReadVariable(nullptr, {name, kNoIndex}));
-  for (const uint32_t word : vesk::Random().words) digest.Add(word);
-  digest.Add(vesk::Random().index);
-  return digest.Value();
 }
 
 } // namespace vesk

@@ -36,8 +36,4 @@ std::string JsonValue(const std::string& name, const RValue& value);
 std::vector<CInstance*> InstancesOf(int32_t object);
 int32_t CountTiles(double depth);
 
-// Of the whole world: every instance's fields and variables in id order, globals, tiles, views, room, random
-// state.
-uint64_t WorldChecksum();
-
 } // namespace vesk

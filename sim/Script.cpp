@@ -4,16 +4,19 @@
 #include "Files/Object/Function_Instance.h"
 #include "Files/Object/Object.h"
 #include "Files/Room/Room.h"
+#include "Files/Run/WorldState.h"
 #include "Files/Sound/Audio_Main.h"
 #include "game/level/level_build.h"
 #include "game/text.h"
 #include "sim/Expression.h"
+#include "sim/Journal.h"
 #include "sim/Look.h"
 #include "sim/Picture.h"
 
 #include <charconv>
 #include <cmath>
 #include <istream>
+#include <memory>
 #include <ostream>
 #include <sstream>
 
@@ -128,11 +131,14 @@ using Words = std::vector<std::string>;
 class Interpreter {
 public:
   Interpreter(Simulation& simulation, const ScriptOutput& output)
-      : m_simulation(simulation), m_output(output) {}
+      : m_simulation(simulation), m_output(output),
+        m_watcher(simulation.OnFrame([this] { KeepJournals(); })) {}
+  ~Interpreter() { m_simulation.ForgetWatcher(m_watcher); }
+  Interpreter(const Interpreter&) = delete;
+  Interpreter& operator=(const Interpreter&) = delete;
 
   ScriptResult Run(std::istream& script);
 
-private:
   struct Command {
     std::string_view name;
     size_t fewest, most; // words behind the name
@@ -141,6 +147,7 @@ private:
   };
   static const Command kCommands[];
 
+private:
   void Execute(const std::string& line);
   void Refuse(const std::string& why) {
     if (m_result != ScriptResult::kAllWell) return;
@@ -215,6 +222,10 @@ private:
   void PadButton(const std::string& name, const std::string& way);
   void PadAxis(const std::string& name, const std::string& value);
   void Playback(const Words& w);
+  void Record(const Words& w);
+  void Journal(const Words& w);
+  void EndJournals();
+  void KeepJournals();
   void Until(const Words& w);
   void Dump(const Words& w);
   void Watch(const Words& w);
@@ -233,11 +244,14 @@ private:
 
   Simulation& m_simulation;
   ScriptOutput m_output;
+  size_t m_watcher;
   ScriptResult m_result = ScriptResult::kAllWell;
   int m_line = 0;
   bool m_started = false;
-  int32_t m_pad = -1;           // device of the pad; -1 none
-  std::vector<Words> m_watched; // object, variables
+  int32_t m_pad = -1;                          // device of the pad; -1 none
+  std::vector<Words> m_watched;                // object, variables
+  std::unique_ptr<JournalWriter> m_journal;    // being written
+  std::unique_ptr<JournalReader> m_comparison; // being held against
 };
 
 constexpr size_t kAny = 1000;
@@ -259,6 +273,8 @@ const Interpreter::Command Interpreter::kCommands[] = {
     {"wheel", 1, 1, &Interpreter::Wheel, "wheel up|down"},
     {"pad", 1, 3, &Interpreter::Pad, "pad connect|disconnect, pad button NAME down|up, pad axis NAME VALUE"},
     {"playback", 1, 1, &Interpreter::Playback, "playback FILE"},
+    {"record", 1, 1, &Interpreter::Record, "record FILE|end"},
+    {"journal", 1, 2, &Interpreter::Journal, "journal write FILE, journal check FILE, journal end"},
     {"until", 3, 4, &Interpreter::Until, "until TERM OP TERM [MAX]"},
     {"dump", 2, kAny, &Interpreter::Dump, "dump OBJECT|global VAR…"},
     {"watch", 2, kAny, &Interpreter::Watch, "watch OBJECT|global VAR…"},
@@ -282,6 +298,7 @@ ScriptResult Interpreter::Run(std::istream& script) {
     ++m_line;
     Execute(line);
   }
+  EndJournals();
   return m_result;
 }
 
@@ -457,6 +474,39 @@ void Interpreter::Playback(const Words& w) {
   m_simulation.EndPlayback();
 }
 
+void Interpreter::Record(const Words& w) { Judge(m_simulation.Record(w[0] == "end" ? "" : Plain(w[0]))); }
+
+void Interpreter::Journal(const Words& w) {
+  if (w.size() == 1 && w[0] == "end") return EndJournals();
+  if (w.size() != 2 || (w[0] != "write" && w[0] != "check"))
+    return Refuse("usage: journal write FILE, journal check FILE, journal end");
+  EndJournals();
+  if (w[0] == "write") {
+    m_journal = std::make_unique<JournalWriter>();
+    Judge(m_journal->Open(Plain(w[1])));
+  } else {
+    m_comparison = std::make_unique<JournalReader>();
+    Judge(m_comparison->Open(m_simulation.FullName(Plain(w[1]))));
+  }
+}
+
+void Interpreter::KeepJournals() {
+  if (m_result != ScriptResult::kAllWell) return;
+  if (m_journal) m_journal->Frame();
+  if (!m_comparison) return;
+  const std::string difference = m_comparison->Check();
+  if (!difference.empty())
+    Fail("frame " + std::to_string(m_simulation.Frame()) + " differs from the journal: " + difference);
+}
+
+void Interpreter::EndJournals() {
+  if (m_journal) Judge(m_journal->Close());
+  const std::string rest = m_comparison ? m_comparison->Close() : "";
+  if (!rest.empty()) Fail(rest);
+  m_journal.reset();
+  m_comparison.reset();
+}
+
 void Interpreter::Until(const Words& w) {
   int64_t most = 600;
   Expression expression;
@@ -538,7 +588,7 @@ void Interpreter::Tiles(const Words& w) {
 
 void Interpreter::Checksum(const Words&) {
   char digits[17];
-  std::snprintf(digits, sizeof digits, "%016llx", static_cast<unsigned long long>(WorldChecksum()));
+  std::snprintf(digits, sizeof digits, "%016llx", static_cast<unsigned long long>(World_Checksum()));
   m_output.lines << FrameField() << ",\"checksum\":\"" << digits << "\"}\n";
 }
 
@@ -612,6 +662,12 @@ void Interpreter::TileCommand(const Words& w) {
 }
 
 } // namespace
+
+std::string ScriptCommands() {
+  std::string text;
+  for (const auto& command : Interpreter::kCommands) text += "  " + std::string(command.usage) + "\n";
+  return text;
+}
 
 bool AsksForPictures(const std::string& script) {
   std::istringstream lines(script);

@@ -24,6 +24,8 @@ bool SplitWords(std::string_view line, std::vector<std::string>& words);
 // A key's code: left, x, 7, f5, or a number of two or more digits; -1 for an unknown name.
 int KeyCode(std::string_view name);
 
+// Every command with what it takes, one a line.
+std::string ScriptCommands();
 // Whether any command of the script needs the frames drawn.
 bool AsksForPictures(const std::string& script);
 

@@ -96,7 +96,8 @@ void Simulation::Step(int64_t frames) {
   for (; frames > 0 && Running(); --frames) {
     Runner_Pass();
     ++m_frame;
-    if (m_watcher) m_watcher();
+    for (const auto& watcher : m_watchers)
+      if (watcher) watcher();
   }
 }
 
@@ -146,6 +147,13 @@ std::string Simulation::BeginPlayback(const std::string& file, int64_t& frames) 
   EndPlayback();
   return "\"" + file + "\" is no input record: its " + std::to_string(size) +
          " bytes are not whole frames of " + std::to_string(kRecordSize);
+}
+
+std::string Simulation::Record(const std::string& file) {
+  std::string why;
+  Input().record.Close();
+  if (file.empty() || Input().record.Open(file, "w+b", &why)) return "";
+  return "\"" + file + "\" can't be written: " + why;
 }
 
 void Simulation::EndPlayback() { Input().playback.Close(); }

@@ -38,8 +38,12 @@ public:
   void Step(int64_t frames = 1);
   // With pictures: whether the frames that follow are drawn. What was drawn before stays.
   void DrawPictures(bool draw) { m_blind = !draw; }
-  // Called after every frame.
-  void OnFrame(std::function<void()> watcher) { m_watcher = std::move(watcher); }
+  // Called after every frame, until it is forgotten by the number that it was given.
+  size_t OnFrame(std::function<void()> watcher) {
+    m_watchers.push_back(std::move(watcher));
+    return m_watchers.size() - 1;
+  }
+  void ForgetWatcher(size_t number) { m_watchers[number] = nullptr; }
 
   // The starts that skip the logos; each gives "" or what is wrong.
   std::string Play(const std::string& file,
@@ -59,6 +63,9 @@ public:
   // Opens an input record to take the place of keys and mouse; `frames` is its length. "" or what is wrong.
   std::string BeginPlayback(const std::string& file, int64_t& frames);
   void EndPlayback();
+  // Writes an input record from the next frame on; "" ends it.
+  std::string Record(const std::string& file);
+  std::string FullName(const std::string& file) const; // a file named from where the run began
 
   CHandDrivenPlatform& Devices() { return m_platform; }
   const std::string& Directory() const { return m_directory; }
@@ -66,7 +73,6 @@ public:
   std::string FatalReport() const;
 
 private:
-  std::string FullName(const std::string& file) const; // a file named from where the run began
   void WaitForFade();
 
   SimulationSettings m_settings;
@@ -78,7 +84,7 @@ private:
   bool m_started = false;
   bool m_blind = false;
   int64_t m_frame = 0;
-  std::function<void()> m_watcher;
+  std::vector<std::function<void()>> m_watchers;
 };
 
 } // namespace vesk

@@ -151,6 +151,9 @@ void Instance_Remove(CInstance* instance);
 // ---- rooms as assets ----
 
 CRoom* Room_Find(int32_t index); // the template; null for an index that names none
+// A running copy of the template without instances and tiles.
+std::unique_ptr<CRoom> Room_CopyWithoutContents(const CRoom& from);
+
 // ---- room flow, called by the frame function ----
 
 // Both run events; a request made in them is left in Rooms().request.

@@ -32,23 +32,7 @@ void BuildInstance(CRoom& room, const InstanceTemplate& from) {
 }
 
 std::unique_ptr<CRoom> BuildRunningCopy(const CRoom& from) {
-  auto room = std::make_unique<CRoom>();
-  room->index = from.index;
-  room->name = from.name;
-  room->caption = from.caption;
-  room->speed = from.speed;
-  room->width = from.width;
-  room->height = from.height;
-  room->persistent = from.persistent;
-  room->colour = from.colour;
-  room->showColour = from.showColour;
-  room->backgrounds = from.backgrounds;
-  room->viewsEnabled = from.viewsEnabled;
-  room->clearDisplay = from.clearDisplay;
-  room->clearViews = from.clearViews;
-  room->views = from.views;
-  room->creationCode = from.creationCode;
-  room->source = from.source;
+  std::unique_ptr<CRoom> room = Room_CopyWithoutContents(from);
   for (const InstanceTemplate& instance : from.instanceTemplates) BuildInstance(*room, instance);
   for (const Tile& tile : from.tileTemplates) room->tiles.Add(tile);
   return room;
@@ -128,6 +112,27 @@ void ForgetDeactivations() {
 }
 
 } // namespace
+
+std::unique_ptr<CRoom> Room_CopyWithoutContents(const CRoom& from) {
+  auto room = std::make_unique<CRoom>();
+  room->index = from.index;
+  room->name = from.name;
+  room->caption = from.caption;
+  room->speed = from.speed;
+  room->width = from.width;
+  room->height = from.height;
+  room->persistent = from.persistent;
+  room->colour = from.colour;
+  room->showColour = from.showColour;
+  room->backgrounds = from.backgrounds;
+  room->viewsEnabled = from.viewsEnabled;
+  room->clearDisplay = from.clearDisplay;
+  room->clearViews = from.clearViews;
+  room->views = from.views;
+  room->creationCode = from.creationCode;
+  room->source = from.source;
+  return room;
+}
 
 void Room_Start(int32_t index, bool first) {
   RoomState& rooms = Rooms();

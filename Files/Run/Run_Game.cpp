@@ -13,6 +13,7 @@
 #include "Files/Run/Profiler.h"
 #include "Files/Run/Run_Frame.h"
 #include "Files/Run/Run_FrameBody.h"
+#include "Files/Run/SavedGame.h"
 #include "Files/Run/Timing.h"
 #include "Files/Runner/CommandLine.h"
 #include "Files/Sound/Audio_Main.h"
@@ -90,7 +91,7 @@ void Run_RoomRequest() {
     return;
   case RoomRequestLoadGame:
     request = kNoRoomRequest;
-    ReportError(std::string_view("game_load: loading a saved state of the whole game is not built"), false);
+    SavedGame_Load();
     return;
   default:
     if (request >= 0) {

@@ -71,7 +71,8 @@ constexpr Family kFamilies[] = {
      "path_start/4 path_end/0 path_exists/1 path_get_name/1 path_get_kind/1 path_get_closed/1 "
      "path_get_precision/1 path_get_number/1 path_get_length/1 path_get_time/2 path_get_x/2 path_get_y/2 "
      "path_get_speed/2 path_get_point_x/2 path_get_point_y/2 path_get_point_speed/2"},
-    {"program", "parameter_count/0 parameter_string/1 show_message/1 show_error/2 display_set_sleep_margin/1 "
+    {"program", "parameter_count/0 parameter_string/1 game_save/1 game_load/1 show_message/1 show_error/2 "
+                "display_set_sleep_margin/1 "
                 "display_get_sleep_margin/0"},
     {"display",
      "display_get_width/0 display_get_height/0 display_reset/2 display_set_gui_size/2 window_set_size/2 "
@@ -193,7 +194,6 @@ struct Absence {
   const char* builtins;
 };
 constexpr Absence kAbsences[] = {
-    {"no form of a saved game state is agreed on", "game_load/1"},
     {"only the 2-D mode exists", "d3d_start/0"},
     {"fonts are not loaded from files", "font_add/6"},
     {"collision kinds come from the container", "sprite_collision_mask/9"},

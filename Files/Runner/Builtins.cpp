@@ -19,6 +19,7 @@
 #include "Files/Room/Function_Room.h"
 #include "Files/Room/Function_Tile.h"
 #include "Files/Run/Run_Events.h"
+#include "Files/Run/SavedGame.h"
 #include "Files/Run/Timing.h"
 #include "Files/Runner/Function_Runner.h"
 
@@ -30,6 +31,7 @@ void AddGame() {
   Function_AddEvent();
   Function_AddRunner();
   Function_AddGame();
+  Function_AddSavedGame();
 }
 
 void AddMath() {

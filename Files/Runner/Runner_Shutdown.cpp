@@ -27,6 +27,7 @@
 #include "Files/Run/Run_Events.h"
 #include "Files/Run/Run_Frame.h"
 #include "Files/Run/Run_FrameBody.h"
+#include "Files/Run/SavedGame.h"
 #include "Files/Run/Timing.h"
 #include "Files/Runner/CommandLine.h"
 #include "Files/Runner/Load.h"
@@ -53,6 +54,7 @@ struct AreaRow {
 constexpr AreaRow kAreas[] = {
     {"event lists", &Run_ResetEvents},
     {"frame body", &Run_ResetFrameBody},
+    {"saved game", &SavedGame_Reset},
     {"data structures", &Ds_Reset},
     {"sounds", &Audio_Quit},
     {"built-in functions", &Function_Reset},

@@ -153,6 +153,13 @@ public:
     return std::move(m_slots[static_cast<size_t>(id)]);
   }
   void Reset() { *this = DsTable(); }
+  const std::vector<std::unique_ptr<T>>& Slots() const { return m_slots; } // by id; null for a free one
+  void Assign(std::vector<std::unique_ptr<T>> slots) {
+    Reset();
+    m_slots = std::move(slots);
+    for (size_t id = 0; id < m_slots.size(); ++id)
+      if (!m_slots[id]) m_free.push(static_cast<int32_t>(id));
+  }
 
 private:
   std::vector<std::unique_ptr<T>> m_slots;

@@ -60,6 +60,7 @@ int Run(const Options& options) {
 
 int main(int argc, char** argv) {
   CLI::App app("Plays Vesk Editor without a window, from a script of one command a line.", "vesk-sim");
+  app.footer("Commands of a script:\n" + ScriptCommands());
   Options options;
   app.add_option("SCRIPT", options.script, "The script file; - for standard input")->required();
   app.add_option("--dir", options.directory,

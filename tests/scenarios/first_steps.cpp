@@ -1,5 +1,6 @@
 // The first level from end to end by keys alone, and what a run costs.
 #include "Files/Graphics/Batch.h"
+#include "Files/Run/WorldState.h"
 #include "apps/container/EmbeddedContainer.h"
 #include "sim/Look.h"
 #include "sim/Picture.h"
@@ -38,7 +39,7 @@ Played PlayScript(const std::string& script, int32_t seed = 1) {
   Simulation simulation(settings);
   Played run;
   simulation.OnFrame([&] {
-    run.checksums.push_back(WorldChecksum());
+    run.checksums.push_back(World_Checksum());
     run.mostDraws = std::max(run.mostDraws, LastFrameDraws().batches);
   });
   std::istringstream text(script);

@@ -160,36 +160,44 @@ TEST_F(Scripts, SoundsArePlayingAndHaveStarted) {
   EXPECT_THAT(lines[3], HasSubstr("\"started\":[]}"));
 }
 
-TEST_F(Scripts, PlayBackAnInputRecord) {
-  const std::string record = directory + "/walk.rec";
-  std::string wanted;
-  {
-    SimulationSettings settings;
-    settings.directory = directory;
-    settings.container = {EmbeddedContainer(), EmbeddedContainerSize()};
-    Simulation simulation(settings);
-    std::ostringstream lines, errors;
-    const auto say = [&](const std::string& script) {
-      std::istringstream text(script);
-      ASSERT_EQ(RunScript(simulation, text, {lines, errors}), ScriptResult::kAllWell) << errors.str();
-    };
-    say(Play() + "step 60\n");
-    ASSERT_TRUE(Input().record.Open(record, "w+b"));
-    simulation.Key(39, true);
-    simulation.Step(30);
-    simulation.Key('X', true);
-    simulation.Step(20);
-    simulation.Key('X', false);
-    simulation.Key(39, false);
-    simulation.Step(25);
-    Input().record.Close();
-    wanted = JsonNumber(
-        ValueAsReal(ReadVariable(InstancesOf(Object_FindByName("obj_tovin")).at(0), {"x", kNoIndex})));
-  }
-  const Outcome run =
-      Run(Play() + "step 60\nplayback \"" + record + "\"\nexpect obj_tovin.x == " + wanted + "\n");
-  EXPECT_EQ(run.result, ScriptResult::kAllWell) << run.errors;
+// A recorded play is the same world frame by frame; a record that was spoiled is not, and what differs first
+// is named.
+TEST_F(Scripts, RepeatARecordedPlayAndNameWhatASpoiledOneChanges) {
+  const std::string record = directory + "/walk.rec", journal = directory + "/walk.journal";
+  const std::string quoted = "\"" + record + "\"", quotedJournal = "\"" + journal + "\"";
+  const Outcome made =
+      Run(Play() + "step 60\nrecord " + quoted + "\njournal write " + quotedJournal +
+          "\npress right\nstep 30\ntap x 20\nrelease right\nstep 25\njournal end\nrecord end\n"
+          "dump global room\nchecksum\n");
+  ASSERT_EQ(made.result, ScriptResult::kAllWell) << made.errors;
+  const std::string replay = Play() + "step 60\njournal check " + quotedJournal + "\nplayback " + quoted +
+                             "\njournal end\nchecksum\n";
+  const Outcome repeated = Run(replay);
+  EXPECT_EQ(repeated.result, ScriptResult::kAllWell) << repeated.errors;
+  EXPECT_THAT(made.lines, testing::EndsWith(repeated.lines));
 
+  constexpr int kSpoiled = 10, kKeyDown = 2060, kRight = 39; // frame of the record; places in its record
+  {
+    std::fstream file(record, std::ios::in | std::ios::out | std::ios::binary);
+    file.seekp(kSpoiled * kRecordSize + kKeyDown + kRight);
+    file.put(0);
+  }
+  const Outcome spoiled = Run(replay);
+  EXPECT_EQ(spoiled.result, ScriptResult::kExpectationFailed);
+  const std::string frame = std::to_string(std::stoi(made.lines.substr(9)) - 76 + kSpoiled + 1);
+  EXPECT_THAT(spoiled.errors, HasSubstr("frame " + frame + " differs from the journal: "));
+  EXPECT_THAT(spoiled.errors,
+              testing::ContainsRegex("instance [0-9]+ \\(obj_tovin\\): [a-z.]+ is .*, recorded was "));
+
+  const Outcome shorter =
+      Run(Play() + "step 60\njournal check " + quotedJournal + "\npress right\nstep\njournal end\n");
+  EXPECT_THAT(shorter.errors, HasSubstr("the journal has more than the 1 frames that were played"));
+  Write("torn.journal", "vesk-journal 1\nframe 0\nnonsense");
+  const Outcome torn = Run(Play() + "journal check \"" + directory + "/torn.journal\"\nstep\n");
+  EXPECT_THAT(torn.errors, HasSubstr("line 3 of the journal says nothing known"));
+}
+
+TEST_F(Scripts, RefuseATornRecord) {
   Write("torn.rec", "half a frame");
   const Outcome torn = Run(Play() + "playback \"" + directory + "/torn.rec\"\n");
   EXPECT_EQ(torn.result, ScriptResult::kBadScript);
