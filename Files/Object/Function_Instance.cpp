@@ -5,6 +5,7 @@
 #include "Files/Object/Collision.h"
 #include "Files/Object/Object.h"
 #include "Files/Run/Run_Events.h"
+#include "Files/Sprite/Sprite.h"
 
 #include <string>
 
@@ -195,6 +196,15 @@ int32_t instance_copy(CInstance* self, bool perform) {
   return copy->id;
 }
 
+void instance_sprite(CInstance* self, int32_t sprite, float image, float speed) {
+  if (!Sprite_Find(sprite))
+    return ReportError("Setting instance to non-existing sprite: " + std::to_string(sprite), false);
+  if (!self) return;
+  self->SetSpriteIndex(sprite);
+  self->imageIndex = image;
+  self->imageSpeed = speed;
+}
+
 // ---- sleeping ----
 
 void instance_deactivate_all(CInstance* self, bool notMe) {
@@ -275,6 +285,7 @@ void Function_AddInstance() {
       Builtin<&instance_change>("instance_change"),
       Builtin<&position_change>("position_change"),
       Builtin<&instance_copy>("instance_copy"),
+      Builtin<&instance_sprite>("instance_sprite"),
       Builtin<&instance_deactivate_all>("instance_deactivate_all"),
       Builtin<sleep>("instance_deactivate_object"),
       Builtin<&instance_deactivate_region>("instance_deactivate_region"),

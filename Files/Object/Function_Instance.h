@@ -39,6 +39,8 @@ int32_t instance_find(int32_t target, int32_t n);
 void instance_change(CInstance* self, int32_t object, bool perform);
 void position_change(float x, float y, int32_t object, bool perform);
 int32_t instance_copy(CInstance* self, bool perform); // id of the copy
+// A report and no change for a sprite that doesn't exist.
+void instance_sprite(CInstance* self, int32_t sprite, float image, float speed);
 
 // ---- sleeping: the flag acts at once, the lists follow at the next clean-up ----
 

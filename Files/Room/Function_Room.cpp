@@ -2,9 +2,11 @@
 
 #include "Files/Base/Error.h"
 #include "Files/Function/Function.h"
+#include "Files/Object/Instance.h"
 #include "Files/Room/Room.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace vesk {
 
@@ -106,6 +108,73 @@ void room_set_view(int32_t room, int32_t index, bool visible, float xview, float
   found->views[static_cast<size_t>(index)] = view;
 }
 
+// ---- rooms made at run time ----
+
+namespace {
+
+// A template with everything of the other but its name and place.
+std::unique_ptr<CRoom> CopyTemplate(const CRoom& from, int32_t index, std::string name) {
+  std::unique_ptr<CRoom> room = Room_CopyWithoutContents(from);
+  room->index = index;
+  room->name = std::move(name);
+  room->instanceTemplates = from.instanceTemplates;
+  room->tileTemplates = from.tileTemplates;
+  return room;
+}
+
+int32_t AddTemplate(const CRoom& from) {
+  auto& templates = Rooms().templates;
+  const auto index = static_cast<int32_t>(templates.size());
+  templates.push_back(CopyTemplate(from, index, "__newroom" + std::to_string(index)));
+  return index;
+}
+
+} // namespace
+
+int32_t room_add() { return AddTemplate(CRoom()); }
+
+int32_t room_duplicate(int32_t room) {
+  const CRoom* source = Room_Find(room);
+  return source ? AddTemplate(*source) : -1;
+}
+
+bool room_assign(int32_t room, int32_t from) {
+  const CRoom *target = Room_Find(room), *source = Room_Find(from);
+  if (!target || !source) return false;
+  Rooms().templates[static_cast<size_t>(room)] = CopyTemplate(*source, room, target->name);
+  return true;
+}
+
+int32_t room_instance_add(int32_t room, int32_t x, int32_t y, int32_t object) {
+  CRoom* found = Room_Find(room);
+  if (!found) return noone;
+  InstanceTemplate instance;
+  instance.x = x;
+  instance.y = y;
+  instance.object = object;
+  instance.id = ++Rooms().nextInstanceId;
+  found->instanceTemplates.push_back(std::move(instance));
+  return found->instanceTemplates.back().id;
+}
+
+int32_t room_tile_add(int32_t room, int32_t background, int32_t left, int32_t top, int32_t width,
+                      int32_t height, float x, float y, float depth) {
+  CRoom* found = Room_Find(room);
+  if (!found) return -1;
+  Tile tile;
+  tile.background = background;
+  tile.left = left;
+  tile.top = top;
+  tile.width = width;
+  tile.height = height;
+  tile.x = x;
+  tile.y = y;
+  tile.depth = depth;
+  tile.id = ++Rooms().nextTileId;
+  found->tileTemplates.push_back(tile);
+  return tile.id;
+}
+
 void Function_AddRoom() {
   static constexpr BuiltinRow kBuiltins[] = {
       Builtin<&room_goto>("room_goto"),
@@ -125,6 +194,11 @@ void Function_AddRoom() {
       Builtin<&room_set_background_colour>("room_set_background_color"),
       Builtin<&room_set_view_enabled>("room_set_view_enabled"),
       Builtin<&room_set_view>("room_set_view"),
+      Builtin<&room_add>("room_add"),
+      Builtin<&room_duplicate>("room_duplicate"),
+      Builtin<&room_assign>("room_assign"),
+      Builtin<&room_instance_add>("room_instance_add"),
+      Builtin<&room_tile_add>("room_tile_add"),
   };
   Function_Add(kBuiltins);
 }

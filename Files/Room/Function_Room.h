@@ -33,4 +33,12 @@ void room_set_view(int32_t room, int32_t view, bool visible, float xview, float 
                    float hview, int32_t xport, int32_t yport, int32_t wport, int32_t hport, int32_t hborder,
                    int32_t vborder, int32_t hspeed, int32_t vspeed, int32_t object);
 
+// Rooms made at run time; a change shows when the room is next entered. -1, or noone, for an unknown room.
+int32_t room_add(); // empty, with the values of a fresh room
+int32_t room_duplicate(int32_t room);
+bool room_assign(int32_t room, int32_t from); // everything but the name; false for an unknown room
+int32_t room_instance_add(int32_t room, int32_t x, int32_t y, int32_t object); // the id it will have
+int32_t room_tile_add(int32_t room, int32_t background, int32_t left, int32_t top, int32_t width,
+                      int32_t height, float x, float y, float depth);
+
 } // namespace vesk

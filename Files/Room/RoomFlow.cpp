@@ -145,6 +145,8 @@ void Room_Start(int32_t index, bool first) {
     rooms.request = RoomRequestAbortGame;
     return;
   }
+  const std::vector<InstanceTemplate> kept =
+      source->instanceTemplates; // room_assign may take their code away
   rooms.currentIndex = index;
   if (rooms.running.size() < rooms.templates.size()) rooms.running.resize(rooms.templates.size());
   auto& running = rooms.running[static_cast<size_t>(index)];

@@ -43,7 +43,8 @@ constexpr Family kFamilies[] = {
      "object_set_persistent/2 object_set_mask/2 object_set_parent/2"},
     {"instance",
      "instance_create/3 instance_create_depth/4 instance_destroy/* instance_exists/1 instance_number/1 "
-     "instance_find/2 instance_change/2 instance_copy/1 position_destroy/2 position_change/4 "
+     "instance_find/2 instance_change/2 instance_copy/1 instance_sprite/3 position_destroy/2 "
+     "position_change/4 "
      "instance_deactivate_all/1 instance_deactivate_object/1 instance_deactivate_region/6 "
      "instance_activate_all/0 instance_activate_object/1 instance_activate_region/5 distance_to_point/2 "
      "distance_to_object/1"},
@@ -59,7 +60,8 @@ constexpr Family kFamilies[] = {
      "instance_position_list/5 instance_place_list/5"},
     {"room", "room_goto/1 room_goto_next/0 room_goto_previous/0 room_restart/0 game_end/0 game_restart/0 "
              "room_exists/1 room_get_name/1 room_next/1 room_previous/1 room_set_width/2 room_set_height/2 "
-             "room_set_background_colour/3 room_set_view/16 room_set_view_enabled/2 room_set_persistent/2"},
+             "room_set_background_colour/3 room_set_view/16 room_set_view_enabled/2 room_set_persistent/2 "
+             "room_add/0 room_duplicate/1 room_assign/2 room_instance_add/4 room_tile_add/9"},
     {"tile",
      "tile_add/8 tile_delete/1 tile_exists/1 tile_layer_find/3 tile_layer_hide/1 tile_layer_show/1 "
      "tile_layer_delete/1 tile_layer_shift/3 tile_layer_delete_at/3 tile_layer_depth/2 tile_get_x/1 "
@@ -198,9 +200,6 @@ constexpr Absence kAbsences[] = {
     {"fonts are not loaded from files", "font_add/6"},
     {"collision kinds come from the container", "sprite_collision_mask/9"},
     {"rooms have no layers", "instance_create_layer/4"},
-    {"rooms come from the container",
-     "room_add/0 room_duplicate/1 room_assign/2 room_instance_add/4 room_tile_add/9"},
-    {"an action of the drag-and-drop forms, which no data uses", "instance_sprite/3"},
 };
 
 std::vector<CataloguedBuiltin> Rows(const char* family, const char* text, const char* reason) {

@@ -194,6 +194,62 @@ TEST(RoomFlow, AnInstanceDestroyedBeforeItsCreateRunsNothing) {
   EXPECT_EQ(CurrentRoom()->active.count, 1);
 }
 
+TEST(RoomFlow, RoomsMadeAtRunTimeAreEnteredLikeOthers) {
+  SmallGame game;
+  const int32_t a = game.Object("a");
+  Chatter(game, a);
+  game.Start();
+  const int32_t made = room_add();
+  EXPECT_EQ(room_get_name(made), "__newroom1");
+  room_set_width(made, 321);
+  const int32_t id = room_instance_add(made, 7, 8, a), tile = room_tile_add(made, 0, 0, 0, 16, 16, 32, 48, 5);
+  const int32_t twin = room_duplicate(made);
+  EXPECT_TRUE(room_assign(0, made));
+  EXPECT_EQ(room_get_name(0), "room");
+  EXPECT_EQ(room_duplicate(99), -1);
+  EXPECT_FALSE(room_assign(99, 0));
+  EXPECT_EQ(room_instance_add(99, 0, 0, a), noone);
+  Events();
+  for (const int32_t room : {made, twin, 0}) {
+    room_goto(room);
+    game.Step();
+    EXPECT_EQ(CurrentRoom()->width, 321);
+    EXPECT_EQ(CurrentRoom()->index, room);
+    ASSERT_NE(Instance_Find(id), nullptr);
+    EXPECT_EQ(Instance_Find(id)->y, 8);
+    EXPECT_EQ(tile_get_x(tile), 32);
+  }
+  EXPECT_EQ(Events(), "a:pre a:create a:start a:end a:pre a:create a:start a:end a:pre a:create a:start");
+  EXPECT_NE(instance_create(0, 0, a), id);
+}
+
+TEST(RoomFlow, ARoomThatIsReplacedWhileItStartsStillRunsItsCode) {
+  SmallGame game;
+  const int32_t a = game.Object("a");
+  const int32_t first = game.Place(0, a, 0, 0), second = game.Place(0, a, 0, 0);
+  InstanceTemplate* places = game.RoomTemplate(0).instanceTemplates.data();
+  places[0].creationCode = game.Code([](Self, Self) { EXPECT_TRUE(room_assign(0, room_add())); });
+  places[1].creationCode = game.Code([](Self, Self) { Log("second"); });
+  game.Start();
+  EXPECT_EQ(Events(), "second");
+  EXPECT_TRUE(Instance_Find(first) && Instance_Find(second));
+}
+
+TEST(RoomFlow, AnInstanceTakesNoSpriteThatDoesNotExist) {
+  SmallGame game;
+  const int32_t sprite = game.Sprite(8, 8, 4), a = game.Object("a");
+  game.Start();
+  CInstance* it = Instance_Find(instance_create(0, 0, a));
+  instance_sprite(it, sprite, 2, 0.5f);
+  EXPECT_EQ(it->spriteIndex, sprite);
+  EXPECT_EQ(it->imageIndex, 2);
+  Error().occurred = false;
+  instance_sprite(it, 77, 0, 1);
+  EXPECT_NE(Error().last.find("Setting instance to non-existing sprite: 77"), std::string::npos);
+  EXPECT_EQ(it->spriteIndex, sprite);
+  EXPECT_EQ(it->imageIndex, 2);
+}
+
 TEST(RoomFlow, RequestsInTheFirstRoomsStartAreFollowedAtOnce) {
   SmallGame game;
   game.AddRoom("second");
