@@ -15,11 +15,13 @@ namespace {
 constexpr int64_t kNapMargin = 100;
 constexpr int64_t kLongestNap = 4000; // messages are served in between
 
-int64_t MonotonicMicroseconds() {
+int64_t ReadClock(clockid_t clock) {
   timespec now{};
-  clock_gettime(CLOCK_MONOTONIC, &now);
+  clock_gettime(clock, &now);
   return static_cast<int64_t>(now.tv_sec) * 1000000 + now.tv_nsec / 1000;
 }
+
+int64_t MonotonicMicroseconds() { return ReadClock(CLOCK_MONOTONIC); }
 
 void SleepUntil(int64_t monotonic) {
   timespec until{};
@@ -36,6 +38,8 @@ CSystemClock::CSystemClock() : m_start(MonotonicMicroseconds()) {
 }
 
 int64_t CSystemClock::Microseconds() const { return MonotonicMicroseconds() - m_start; }
+
+int64_t CSystemClock::ThreadMicroseconds() const { return ReadClock(CLOCK_THREAD_CPUTIME_ID); }
 
 void CSystemClock::Sleep(int64_t microseconds) {
   if (microseconds > 0) SleepUntil(MonotonicMicroseconds() + microseconds);

@@ -9,6 +9,8 @@ public:
   virtual ~IClock() = default;
   // Microseconds since the clock was made; any thread.
   virtual int64_t Microseconds() const = 0;
+  // Processor time of the calling thread; 0 where it isn't counted.
+  virtual int64_t ThreadMicroseconds() const { return 0; }
   // Sleeps about that long; may be late by the system's timer slack. 0 and below return at once.
   virtual void Sleep(int64_t microseconds) = 0;
   // One round of a busy wait whose goal is `until`: returns soon, never later than `until` by more than a few
@@ -23,6 +25,7 @@ class CSystemClock final : public IClock {
 public:
   CSystemClock();
   int64_t Microseconds() const override;
+  int64_t ThreadMicroseconds() const override;
   void Sleep(int64_t microseconds) override;
   void Spin(int64_t until) override;
   int64_t CalendarSeconds() const override;

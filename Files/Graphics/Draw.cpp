@@ -16,13 +16,13 @@
 
 namespace vesk {
 
+DrawState detail::g_draw;
+
 namespace {
 
 // A filled rectangle covers its last pixels; points and lines run through the middles of theirs.
 constexpr float kEndPixel = 1.0f;
 constexpr float kPixelMiddle = 0.5f;
-
-DrawState g_draw;
 
 TextureHandle Blank() { return Texture_Get(Graphics().blankTexture); }
 
@@ -32,11 +32,11 @@ uint8_t AlphaByte(float alpha) {
 }
 
 uint32_t WithDrawAlpha(int32_t colour) {
-  return static_cast<uint32_t>(g_draw.alphaByte) << 24 | SwapRedBlue(static_cast<uint32_t>(colour));
+  return static_cast<uint32_t>(Drawing().alphaByte) << 24 | SwapRedBlue(static_cast<uint32_t>(colour));
 }
 
 ShapeVertex ShapePoint(float x, float y, uint32_t colour) {
-  return {x + kPixelMiddle, y + kPixelMiddle, g_draw.depth, colour};
+  return {x + kPixelMiddle, y + kPixelMiddle, Drawing().depth, colour};
 }
 
 void SetBlend(uint32_t source, uint32_t destination) {
@@ -48,8 +48,8 @@ void SetBlend(uint32_t source, uint32_t destination) {
 }
 
 void DrawOutline(float left, float top, float right, float bottom) {
-  const float depth = g_draw.depth;
-  const uint32_t colour = g_draw.colourWord;
+  const float depth = Drawing().depth;
+  const uint32_t colour = Drawing().colourWord;
   left += kPixelMiddle, top += kPixelMiddle, right += kPixelMiddle, bottom += kPixelMiddle;
   const TexturedVertex corners[] = {{left, top, depth, colour, 0, 0},
                                     {right, top, depth, colour, 0, 0},
@@ -62,8 +62,8 @@ void DrawOutline(float left, float top, float right, float bottom) {
 }
 
 void DrawFilled(float left, float top, float right, float bottom) {
-  const float depth = g_draw.depth;
-  const uint32_t colour = g_draw.colourWord;
+  const float depth = Drawing().depth;
+  const uint32_t colour = Drawing().colourWord;
   right += kEndPixel, bottom += kEndPixel;
   TexturedVertex* v = AllocVerts<TexturedVertex>(pr_trianglelist, Blank(), 6);
   v[0] = v[5] = {left, top, depth, colour, 0, 0};
@@ -74,22 +74,20 @@ void DrawFilled(float left, float top, float right, float bottom) {
 
 } // namespace
 
-DrawState& Drawing() { return g_draw; }
-
 uint32_t ColourWord(uint32_t colour, float alpha) {
   return static_cast<uint32_t>(AlphaByte(alpha)) << 24 | SwapRedBlue(colour);
 }
 
-void draw_set_colour(int32_t colour) { g_draw.colourWord = WithDrawAlpha(colour); }
+void draw_set_colour(int32_t colour) { Drawing().colourWord = WithDrawAlpha(colour); }
 
-int32_t draw_get_colour() { return static_cast<int32_t>(SwapRedBlue(g_draw.colourWord)); }
+int32_t draw_get_colour() { return static_cast<int32_t>(SwapRedBlue(Drawing().colourWord)); }
 
 void draw_set_alpha(float alpha) {
-  g_draw.alphaByte = AlphaByte(alpha);
-  g_draw.colourWord = static_cast<uint32_t>(g_draw.alphaByte) << 24 | (g_draw.colourWord & 0xFFFFFF);
+  Drawing().alphaByte = AlphaByte(alpha);
+  Drawing().colourWord = static_cast<uint32_t>(Drawing().alphaByte) << 24 | (Drawing().colourWord & 0xFFFFFF);
 }
 
-float draw_get_alpha() { return static_cast<float>(g_draw.alphaByte) / 255.0f; }
+float draw_get_alpha() { return static_cast<float>(Drawing().alphaByte) / 255.0f; }
 
 void draw_clear(int32_t colour) {
   Clear(0xFF000000 | SwapRedBlue(static_cast<uint32_t>(colour)), 1, 0, kClearAll);
@@ -128,7 +126,7 @@ void draw_set_alpha_test_ref_value(int32_t value) {
 
 void draw_enable_drawevent(bool on) { Run().automaticDrawing = on; }
 
-void shader_enable_corner_id(bool on) { g_draw.cornerIds = on; }
+void shader_enable_corner_id(bool on) { Drawing().cornerIds = on; }
 
 void texture_set_interpolation(bool on) {
   for (int32_t stage = 0; stage < kSamplerStages; ++stage)
@@ -143,13 +141,13 @@ void texture_set_repeat(bool on) {
 }
 
 void draw_point(float x, float y) {
-  *AllocVerts<ShapeVertex>(pr_pointlist, Blank(), 1) = ShapePoint(x, y, g_draw.colourWord);
+  *AllocVerts<ShapeVertex>(pr_pointlist, Blank(), 1) = ShapePoint(x, y, Drawing().colourWord);
 }
 
 void draw_line(float x1, float y1, float x2, float y2) {
   ShapeVertex* v = AllocVerts<ShapeVertex>(pr_linelist, Blank(), 2);
-  v[0] = ShapePoint(x1, y1, g_draw.colourWord);
-  v[1] = ShapePoint(x2, y2, g_draw.colourWord);
+  v[0] = ShapePoint(x1, y1, Drawing().colourWord);
+  v[1] = ShapePoint(x2, y2, Drawing().colourWord);
 }
 
 void draw_line_colour(float x1, float y1, float x2, float y2, int32_t colour1, int32_t colour2) {
@@ -164,8 +162,8 @@ void draw_line_width(float x1, float y1, float x2, float y2, float width) {
   if (length == 0) return;
   const float sideX = dy / length * (width / 2), sideY = -dx / length * (width / 2);
   ShapeVertex* v = AllocVerts<ShapeVertex>(pr_trianglefan, Blank(), 4);
-  const float depth = g_draw.depth;
-  const uint32_t colour = g_draw.colourWord;
+  const float depth = Drawing().depth;
+  const uint32_t colour = Drawing().colourWord;
   v[0] = {x1 + sideX, y1 + sideY, depth, colour};
   v[1] = {x2 + sideX, y2 + sideY, depth, colour};
   v[2] = {x2 - sideX, y2 - sideY, depth, colour};

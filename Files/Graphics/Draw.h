@@ -49,7 +49,10 @@ struct DrawState {
   bool culling = true;
   bool cornerIds = false; // corners of textured quads carry their number in two colour bits
 };
-DrawState& Drawing();
+namespace detail {
+extern DrawState g_draw;
+}
+inline DrawState& Drawing() { return detail::g_draw; }
 
 // 24 bits with red and blue swapped: script order to vertex order and back.
 constexpr uint32_t SwapRedBlue(uint32_t colour) {

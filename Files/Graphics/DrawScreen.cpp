@@ -160,7 +160,7 @@ void DrawTile(const Tile& tile) {
 }
 
 void DrawInstance(CInstance& instance) {
-  if (instance.object->HasHandler(ev_draw, ev_draw_normal))
+  if (instance.object->handlesDraw)
     PerformOwnEvent(&instance, &instance, ev_draw, ev_draw_normal);
   else
     DrawInstanceDefault(instance);
@@ -216,6 +216,11 @@ private:
   float m_heldDepth = 0; // m_place is up to date for it
 };
 
+void PrefetchForDrawing(const CInstance& instance) {
+  const auto* bytes = reinterpret_cast<const char*>(&instance);
+  for (int line = 0; line < 3; ++line) __builtin_prefetch(bytes + line * 64);
+}
+
 // Instances and tiles by descending depth; at equal depth the tile lies on top.
 void DrawByDepth(CRoom& room, const DrawRect& rect) {
   TileWalk tiles(room.tiles, rect);
@@ -227,6 +232,7 @@ void DrawByDepth(CRoom& room, const DrawRect& rect) {
     if (instance && (!tile || !(tile->depth > instance->depth))) {
       CInstance* drawn = instance;
       instance = instance->previous;
+      if (instance) PrefetchForDrawing(*instance);
       tiles.BeforeEvent(drawn->depth);
       DrawInstance(*drawn);
       tiles.AfterEvent();

@@ -40,11 +40,9 @@ constexpr bool ReachesDevice(int32_t renderState) {
   return renderState != 0 && renderState != 14 && renderState != 19 && renderState != 22 && renderState < 33;
 }
 
-RenderStateCache g_states;
-
 } // namespace
 
-RenderStateCache& RenderStates() { return g_states; }
+RenderStateCache detail::g_states;
 
 void RenderStateCache::Reset() {
   m_render = {};

@@ -77,6 +77,9 @@ private:
   std::vector<Saved> m_stack;
 };
 
-RenderStateCache& RenderStates();
+namespace detail {
+extern RenderStateCache g_states;
+}
+inline RenderStateCache& RenderStates() { return detail::g_states; }
 
 } // namespace vesk

@@ -100,6 +100,7 @@ void BuildEventLists() {
     object->flags &= ~static_cast<uint32_t>(CObjectFb::kHasCollisions);
     ListHandlers(*object);
     object->handlesAnimationEnd = object->HasHandler(ev_other, ev_animation_end);
+    object->handlesDraw = object->HasHandler(ev_draw, ev_draw_normal);
   }
   ListCollisionPairs();
 }

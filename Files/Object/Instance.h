@@ -29,13 +29,13 @@ struct BoundingBox {
 };
 
 // What the loops over all instances follow; stands beside the fields that they read.
-struct InstanceLink {
+struct InstanceLinks {
   CInstance* next = nullptr; // in the room's active or inactive list
+  CInstance* previous = nullptr;
 };
 
 // Its places in lists, which no copy shares.
 struct InstancePlaces {
-  CInstance* previous = nullptr;       // in the room's active or inactive list
   InstanceList::Node* nodes = nullptr; // in the lists of objects
   uint64_t listOrder = 0;              // grows with each entry into a room list
   float sortDepth = 0;                 // the depth under which it stands in the list
@@ -65,16 +65,18 @@ struct InstanceState {
   float hspeed = 0, vspeed = 0;
   float friction = 0, gravity = 0;
   CObjectFb* object = nullptr;
+  // Then what drawing reads besides.
+  float depth = 0;
+  float imageXScale = 1, imageYScale = 1;
+  float imageAngle = 0;
+  float imageAlpha = 1;
+  uint32_t imageBlend = 0xFFFFFF; // 24-bit, red in the high byte: swapped against the script's colour
 
   int32_t objectIndex = -1;
   bool created = false;
   bool precise = false;
   int32_t maskIndex = -1;
   BoundingBox bbox;
-  float imageXScale = 1, imageYScale = 1;
-  float imageAngle = 0;
-  float imageAlpha = 1;
-  uint32_t imageBlend = 0xFFFFFF; // 24-bit, red in the high byte: swapped against the script's colour
   float xStart = 0, yStart = 0;
   float direction = 0, speed = 0; // degrees 0 to under 360
   float gravityDirection = 270;
@@ -90,12 +92,12 @@ struct InstanceState {
   CCode* creationCode = nullptr; // owned by the room template
   CCode* preCreateCode = nullptr;
   int32_t layerId = -1;
-  float depth = 0;
 };
 
-// Aligned so that what every frame reads of an instance lies in two cache lines.
+// Aligned so that what every step reads of an instance lies in two cache lines, and what drawing reads in
+// three.
 class alignas(64) CInstance : public ZqObjectBase,
-                              public InstanceLink,
+                              public InstanceLinks,
                               public InstanceState,
                               public InstancePlaces {
 public:

@@ -73,8 +73,9 @@ public:
   CObjectFb* parent = nullptr;
   std::array<std::vector<std::unique_ptr<CEvent>>, kEventTypeCount> eventTable; // by type, then subtype
   InstanceList instances;                                                       // of exactly this object
-  InstanceList instancesRecursive;  // of this object or any descendant
-  bool handlesAnimationEnd = false; // itself or an ancestor; set by BuildEventLists
+  InstanceList instancesRecursive; // of this object or any descendant
+  // Itself or an ancestor; set by BuildEventLists.
+  bool handlesAnimationEnd = false, handlesDraw = false;
 
   // This object only; null when it has no such event. A bad type or subtype is an error report.
   CEvent* FindEvent(int32_t type, int32_t subtype) const;

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cinttypes>
+#include <cstdlib>
 #include <cstring>
 #include <utility>
 #include <vector>
@@ -31,6 +32,9 @@ struct ProfilerState {
   int64_t frames = 0;
   std::string dumpFile;
   int32_t dumpAfter = 0;
+  std::vector<int64_t> errors; // microseconds between the due time and the start of each frame
+  int64_t spentWaiting = 0;
+  int64_t started = 0;
 };
 ProfilerState state;
 
@@ -52,6 +56,17 @@ void EndMark() {
   state.current = SIZE_MAX;
 }
 
+std::string PacingText() {
+  if (state.errors.empty()) return {};
+  std::vector<int64_t> errors = state.errors;
+  std::sort(errors.begin(), errors.end());
+  const auto elapsed = static_cast<double>(Timing_Time() - state.started);
+  return FormatText("%zu frames started on time but for %" PRId64 " us (median), %" PRId64
+                    " us (99 in 100), %" PRId64 " us (worst)\nWaiting took %.2f %% of a core\n",
+                    errors.size(), errors[errors.size() / 2], errors[errors.size() * 99 / 100], errors.back(),
+                    100.0 * static_cast<double>(state.spentWaiting) / elapsed);
+}
+
 } // namespace
 
 void Profiler_Start(const std::string& dumpFile, int32_t dumpAfterFrames) {
@@ -59,6 +74,7 @@ void Profiler_Start(const std::string& dumpFile, int32_t dumpAfterFrames) {
   state.running = true;
   state.dumpFile = dumpFile;
   state.dumpAfter = dumpAfterFrames;
+  state.started = Timing_Time();
 }
 
 void Profiler_Stop() { state.running = false; }
@@ -69,6 +85,12 @@ void Profiler_Mark(const char* name) {
   EndMark();
   state.current = FindMark(name);
   state.since = Timing_Time();
+}
+
+void Profiler_FrameStarted(int64_t late, int64_t spentWaiting) {
+  if (!state.running || state.dumpFile.empty() || state.frames >= state.dumpAfter) return;
+  state.errors.push_back(std::abs(late));
+  state.spentWaiting += spentWaiting;
 }
 
 void Profiler_EndFrame() {
@@ -94,7 +116,7 @@ std::string Profiler_Text() {
     text += FormatText("%-20s %8" PRId64 " calls %10" PRId64 " us %8.1f mean %8" PRId64 " longest\n",
                        mark.name, mark.calls, mark.total,
                        static_cast<double>(mark.total) / static_cast<double>(mark.calls), mark.longest);
-  return text;
+  return text + PacingText();
 }
 
 void Profiler_Reset() { state = ProfilerState{}; }

@@ -11,6 +11,9 @@ void Profiler_Stop();
 bool Profiler_Running();
 // Ends the running mark and begins the named one; the name must be a literal.
 void Profiler_Mark(const char* name);
+// A frame that waited for its time began: microseconds behind it (negative: ahead), and what the wait took of
+// a core.
+void Profiler_FrameStarted(int64_t late, int64_t spentWaiting);
 void Profiler_EndFrame();
 // What each mark took in the last whole frame, in order of first use; empty while the profiler stands.
 struct MarkTime {
@@ -18,7 +21,8 @@ struct MarkTime {
   int64_t microseconds;
 };
 std::span<const MarkTime> Profiler_LastFrame();
-// One line a mark: name, calls, total and mean microseconds, longest. Longest total first.
+// One line a mark: name, calls, total and mean microseconds, longest. Longest total first. Then how exactly
+// frames started.
 std::string Profiler_Text();
 void Profiler_Reset();
 

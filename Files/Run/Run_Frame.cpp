@@ -108,9 +108,13 @@ void Run_Frame() {
   if (now < state.frameStart) state.frameStart = now; // the clock stepped back
   const int64_t wait = Graphics_PacesFrames() ? 0 : Run_FrameWait(now, Run_RoomSpeed());
   Profiler_Mark("TimingWait");
+  const IClock& clock = *Platform_Get().clock;
+  const int64_t spentBefore = clock.ThreadMicroseconds();
   Timing_Wait(wait);
   if (!state.running) return;
+  const int64_t due = now + wait;
   now = Timing_Time();
+  if (wait > 0) Profiler_FrameStarted(now - due, clock.ThreadMicroseconds() - spentBefore);
   state.frameStart = now;
   SampleFps(now);
   Audio_Update();

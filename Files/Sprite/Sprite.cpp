@@ -43,14 +43,6 @@ int32_t Sprite_FindByName(std::string_view name) {
   return -1;
 }
 
-const PageEntry* CSprite::Frame(int32_t frame) const {
-  const int32_t count = FrameCount();
-  if (count == 0) return nullptr;
-  frame %= count;
-  if (frame < 0) frame += count;
-  return frames[static_cast<size_t>(frame)];
-}
-
 bool sprite_exists(int32_t sprite) { return Sprite_Find(sprite) != nullptr; }
 
 int32_t sprite_get_width(int32_t sprite) {

@@ -35,7 +35,15 @@ public:
 
   int32_t FrameCount() const { return static_cast<int32_t>(frames.size()); }
   // The entry of a frame; any number wraps into the range. Null without frames.
-  const PageEntry* Frame(int32_t frame) const;
+  const PageEntry* Frame(int32_t frame) const {
+    const int32_t count = FrameCount();
+    if (frame >= count || frame < 0) {
+      if (count == 0) return nullptr;
+      frame %= count;
+      if (frame < 0) frame += count;
+    }
+    return frames[static_cast<size_t>(frame)];
+  }
 
   // Masks: one byte a pixel of the full frame, 1 solid, row after row; expanded at first use.
   // Null when the sprite has no masks: every pixel counts as set.

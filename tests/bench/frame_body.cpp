@@ -1,4 +1,10 @@
-// What a frame of the world costs: instances without handlers, sleeping and waking, births and deaths.
+// What a frame of the world costs: instances without handlers, drawn and not, sleeping and waking, births and
+// deaths.
+#include "Files/Graphics/DrawScreen.h"
+#include "Files/Graphics/Graphics.h"
+#include "Files/Graphics/PageDraw.h"
+#include "Files/Graphics/Texture.h"
+#include "Files/Graphics_API/RecordingDevice.h"
 #include "Files/Object/CollisionIndex.h"
 #include "Files/Object/Function_Instance.h"
 #include "Files/Object/Object.h"
@@ -30,6 +36,7 @@ public:
     BuildEventLists();
     Rooms().templates.push_back(std::make_unique<CRoom>());
     Rooms().templates.back()->index = 0;
+    Rooms().templates.back()->width = Rooms().templates.back()->height = 1600;
     Rooms().order = {0};
     Room_StartGame();
     for (int64_t i = 0; i < instances; ++i)
@@ -47,11 +54,49 @@ private:
   }
 };
 
+// The same with a picture for the sprite, on a device that draws nothing.
+class DrawnRoom {
+public:
+  explicit DrawnRoom(int64_t instances) : m_room(instances) {
+    Graphics_Reset();
+    GR_D3D_Init(std::make_unique<CRecordingDevice>());
+    const std::vector<uint8_t> pixels(size_t{16} * 16 * 4, 255);
+    m_picture = Page_OfTexture(
+        Texture_CreateFromPixels(16, 16, pixels.data(), static_cast<uint32_t>(pixels.size())), 16, 16);
+    for (const PageEntry*& frame : Sprites().table[0]->frames) frame = &m_picture;
+    FrameBody().services.drawScreen = &DrawScreen;
+  }
+  ~DrawnRoom() {
+    FrameBody().services = {};
+    Graphics_Reset();
+  }
+  void Frame() {
+    BeginFrame();
+    RunFrameBody();
+    EndFrame(true);
+  }
+
+private:
+  FullRoom m_room;
+  PageEntry m_picture;
+};
+
 void FrameOfRestingInstances(benchmark::State& state) {
   FullRoom room(state.range(0));
   for (auto _ : state) RunFrameBody();
 }
 BENCHMARK(FrameOfRestingInstances)->Arg(1000)->Arg(10000);
+
+void FrameOfRestingInstancesInView(benchmark::State& state) {
+  DrawnRoom room(state.range(0));
+  for (auto _ : state) room.Frame();
+  const auto& device = static_cast<const CRecordingDevice&>(*Graphics().device);
+  state.counters["quads_a_frame"] =
+      static_cast<double>(device.vertices) / 6 / static_cast<double>(state.iterations());
+  state.counters["draw_calls_a_frame"] =
+      static_cast<double>(device.draws) / static_cast<double>(state.iterations());
+}
+BENCHMARK(FrameOfRestingInstancesInView)->Arg(1000)->Arg(10000);
 
 void FrameOfMovingInstances(benchmark::State& state) {
   FullRoom room(state.range(0));
