@@ -14,6 +14,10 @@ void SayNotBuilt(Self self) {
     ReleaseConsole().Output("%s has no rules yet; it stands still\n", Object_Name(object));
 }
 
+void SayNotBuilt(const char* script) {
+  ReleaseConsole().Output("%s has no rules yet; nothing comes of it\n", script);
+}
+
 RValue& ReportNotBuiltScript(CInstance*, CInstance*, RValue& result, int, RValue**) {
   ShowError("the script %s has no body yet", FrameHead() ? FrameHead()->name : "?");
   result.SetReal(0);

@@ -1,5 +1,6 @@
 #include "sim/Simulation.h"
 
+#include "Files/Base/Console.h"
 #include "Files/Base/Error.h"
 #include "Files/Code/BuiltinVariables.h"
 #include "Files/Graphics/Graphics.h"
@@ -85,6 +86,7 @@ std::string Simulation::Start() {
   m_started = true;
   if (!Runner_Open()) return "the game can't be started: " + Error().lastReport;
   Mouse(kViewWidth / 2, kViewHeight / 2); // at an edge it would scroll the editor
+  if (m_settings.remarks) Consoles().release = std::make_unique<TConsole>(TConsole::Stream::StandardError);
   return "";
 }
 

@@ -17,6 +17,7 @@ struct SimulationSettings {
   int32_t seed = 1;      // what randomize seeds with
   std::span<const uint8_t> container; // copied, so that each run starts from the same bytes
   std::string containerFile;          // read in its place when named
+  bool remarks = false; // what the game says while it runs, as of things with no rules yet, to standard error
   bool pictures = false; // draw every frame, so that its picture can be had; else drawing is only counted
 };
 

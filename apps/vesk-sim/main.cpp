@@ -45,6 +45,7 @@ int Run(const Options& options) {
   settings.seed = options.seed;
   settings.container = {EmbeddedContainer(), EmbeddedContainerSize()};
   settings.containerFile = options.container;
+  settings.remarks = true;
   settings.pictures = AsksForPictures(script.str());
   Simulation simulation(settings);
 

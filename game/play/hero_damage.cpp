@@ -1,6 +1,7 @@
 #include "game/play/hero_damage.h"
 
 #include "game/Game.h"
+#include "game/NotBuilt.h"
 
 namespace vesk {
 
@@ -18,6 +19,7 @@ void hero_take_damage(Self hero) {
   }
   if (health == 0) {
     make(hero[x], hero[y], obj_deadtovin);
+    SayNotBuilt("scr_tovinparts");
     instance_destroy(hero);
   } else {
     audio_play_sound(snd_bleed, 0, false);

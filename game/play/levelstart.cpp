@@ -3,24 +3,24 @@
 #include "game/Game.h"
 
 #include <array>
-#include <string_view>
+#include <tuple>
 
 namespace vesk {
 
 namespace {
 
-constexpr std::string_view kAfterDeath[] = {
+constexpr std::array kAfterDeath = {
     "Better luck next time!", "You can do it!",     "Whoops...", "That looked painful!", "Ouch!", "Dang it!",
     "What the heck?",         "Was that a glitch?", "Git gud.",  "What happened?",       "Oops.",
 };
 // Whistling in the dark, for sections with the horror music.
-constexpr std::string_view kAfterHorror[] = {
+constexpr std::array kAfterHorror = {
     "I'm fine! Really!", "That was nothing!", "Who's scared? Not me!", "Boo yourself!",
     "One more time!",    "Ha! Missed me!",    "Lights on, here I go!",
 };
 
-template <size_t N> std::string any_of(const std::string_view (&phrases)[N]) {
-  return std::string(phrases[static_cast<size_t>(irandom(static_cast<int>(N) - 1))]);
+template <class Phrases> const char* any_of(const Phrases& phrases) {
+  return std::apply([](auto... phrase) { return choose(phrase...); }, phrases);
 }
 
 // ---- obj_tovinstart: a black screen with a text ----

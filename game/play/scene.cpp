@@ -42,7 +42,10 @@ void SuspenseCreate(Self self) {
   self[alarm][0] = 4;
 }
 
-void SuspenseAlarm_Ready(Self self) { self[suspense] = 0; }
+// Ends the wait at the start only: what is heard by then stays known as heard.
+void SuspenseAlarm_Ready(Self self) {
+  if (self[suspense] == -1) self[suspense] = 0;
+}
 
 void SuspenseEndStep(Self self) {
   const double left = view_xview[0], top = view_yview[0];

@@ -2,6 +2,7 @@
 #include "Files/IO/IO.h"
 #include "Files/Object/Object.h"
 #include "apps/container/EmbeddedContainer.h"
+#include "game/GameTables.h"
 #include "sim/Look.h"
 #include "sim/Script.h"
 #include "tests/scenarios/Stage.h"
@@ -312,6 +313,17 @@ TEST_F(Scripts, ProgramGivesItsExitCodes) {
   EXPECT_THAT(Execute("--quiet " + directory + "/bad.sim").out, HasSubstr("line 1: unknown command"));
   EXPECT_EQ(Execute("--quiet " + directory + "/none.sim").code, 2);
   EXPECT_EQ(Execute("--wrong").code, 2);
+}
+
+TEST_F(Scripts, ProgramTellsWhatHasNoRulesYet) {
+  int unbuilt = 0;
+  while (unbuilt < static_cast<int>(GameObjects().size()) && IsBuilt(unbuilt)) ++unbuilt;
+  if (unbuilt == static_cast<int>(GameObjects().size())) GTEST_SKIP() << "everything has rules";
+  const std::string name = GameObjects()[static_cast<size_t>(unbuilt)].name;
+  Write("meets.sim", Play() + "create " + name + " 50 50\nstep 2");
+  const Program run = Execute("--quiet " + directory + "/meets.sim");
+  EXPECT_EQ(run.code, 0);
+  EXPECT_EQ(run.out, name + " has no rules yet; it stands still\n");
 }
 
 } // namespace
