@@ -321,7 +321,7 @@ TEST_F(Scripts, ProgramTellsWhatHasNoRulesYet) {
   if (unbuilt == static_cast<int>(GameObjects().size())) GTEST_SKIP() << "everything has rules";
   const std::string name = GameObjects()[static_cast<size_t>(unbuilt)].name;
   Write("meets.sim", Play() + "create " + name + " 50 50\nstep 2");
-  const Program run = Execute("--quiet " + directory + "/meets.sim");
+  const ProgramRun run = Execute("--quiet " + directory + "/meets.sim");
   EXPECT_EQ(run.code, 0);
   EXPECT_EQ(run.out, name + " has no rules yet; it stands still\n");
 }
