@@ -1,6 +1,8 @@
 #include "Files/Run/Profiler.h"
 
 #include "Files/Base/Console.h"
+#include "Files/Graphics/Batch.h"
+#include "Files/Room/Room.h"
 #include "Files/Run/Timing.h"
 #include "Platform/Files.h"
 
@@ -111,7 +113,11 @@ std::string Profiler_Text() {
   std::vector<Mark> marks = state.marks;
   std::stable_sort(marks.begin(), marks.end(),
                    [](const Mark& a, const Mark& b) { return a.total > b.total; });
-  std::string text = FormatText("%" PRId64 " frames\n", state.frames);
+  std::string text = FormatText("%" PRId64 " frames", state.frames);
+  if (const CRoom* room = CurrentRoom())
+    text += FormatText("; in the last one %d instances, %d more asleep, %" PRIu64 " draw calls",
+                       room->active.count, room->inactive.count, Batch().lastFrame.batches);
+  text += '\n';
   for (const Mark& mark : marks)
     text += FormatText("%-20s %8" PRId64 " calls %10" PRId64 " us %8.1f mean %8" PRId64 " longest\n",
                        mark.name, mark.calls, mark.total,

@@ -21,8 +21,8 @@ struct MarkTime {
   int64_t microseconds;
 };
 std::span<const MarkTime> Profiler_LastFrame();
-// One line a mark: name, calls, total and mean microseconds, longest. Longest total first. Then how exactly
-// frames started.
+// Instances and draw calls of the last frame; one line a mark: name, calls, total and mean microseconds,
+// longest, longest total first; how exactly frames started.
 std::string Profiler_Text();
 void Profiler_Reset();
 
