@@ -5,9 +5,9 @@
 #include "game/level/files.h"
 #include "game/level/level_build.h"
 #include "game/level/level_file.h"
+#include "game/play/enter_leave.h"
 #include "game/play/globals.h"
 #include "game/play/hero_sprites.h"
-#include "game/play/levelmanager.h"
 #include "game/play/lighting.h"
 #include "game/text.h"
 

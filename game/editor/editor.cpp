@@ -8,7 +8,7 @@
 #include "game/level/catalogue.h"
 #include "game/level/level_build.h"
 #include "game/level/level_file.h"
-#include "game/play/levelmanager.h"
+#include "game/play/enter_leave.h"
 #include "game/play/lighting.h"
 #include "game/play/water.h"
 #include "game/text.h"

@@ -4,7 +4,7 @@
 #include "game/Game.h"
 #include "game/level/collision_codes.h"
 #include "game/level/files.h"
-#include "game/play/levelmanager.h"
+#include "game/play/enter_leave.h"
 
 #include <charconv>
 #include <cmath>

@@ -1,7 +1,7 @@
 // Checkpoints and the goal: posts with a flag that the hero takes, and the end of a level.
 #include "Files/Font/Font.h"
 #include "game/Game.h"
-#include "game/play/levelmanager.h"
+#include "game/play/enter_leave.h"
 #include "game/text.h"
 
 namespace vesk {

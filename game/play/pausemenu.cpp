@@ -1,6 +1,6 @@
 // obj_pausemenu: the frozen picture, blurred, and three entries over it.
 #include "game/Game.h"
-#include "game/play/levelmanager.h"
+#include "game/play/enter_leave.h"
 
 namespace vesk {
 

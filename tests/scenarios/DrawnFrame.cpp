@@ -9,6 +9,7 @@
 #include "Files/Graphics/Texture.h"
 #include "Files/Graphics_API/RecordingDevice.h"
 #include "Files/Sprite/Sprite.h"
+#include "sim/Look.h"
 
 #include <gtest/gtest.h>
 
@@ -126,7 +127,8 @@ private:
     const bool follows = !m_frame.lines.empty() && m_frame.lines.back().over == m_frame.pictures.size() &&
                          letter.top == m_top && gap > -kLineSlack && gap < 2 * blank + kLineSlack;
     if (!follows) {
-      m_frame.lines.push_back({"", letter.ink, letter.ink, m_frame.pictures.size()});
+      m_frame.lines.push_back(
+          {"", letter.pen, letter.top, letter.pen, letter.ink, letter.ink, m_frame.pictures.size()});
     } else {
       Box& ink = m_frame.lines.back().ink;
       ink = {ink.left, std::min(ink.top, letter.ink.top), std::max(ink.right, letter.ink.right),
@@ -134,7 +136,7 @@ private:
       m_frame.lines.back().text.append(static_cast<size_t>(std::max(0L, std::lround(gap / blank))), ' ');
     }
     m_frame.lines.back().text += letter.character;
-    m_pen = letter.pen + letter.advance;
+    m_pen = m_frame.lines.back().right = letter.pen + letter.advance;
     m_top = letter.top;
   }
 
@@ -180,6 +182,10 @@ std::ostream& operator<<(std::ostream& out, const DrawnPicture& picture) {
              << picture.colour << std::dec;
 }
 
+std::ostream& operator<<(std::ostream& out, const DrawnLine& line) {
+  return out << '"' << line.text << "\" from " << line.left << " to " << line.right << ", top " << line.top;
+}
+
 std::optional<DrawnPicture> DrawnFrame::Find(const std::string& name) const {
   const auto found = std::find_if(pictures.rbegin(), pictures.rend(),
                                   [&](const DrawnPicture& picture) { return picture.name == name; });
@@ -201,13 +207,13 @@ namespace {
 
 using Call = CRecordingDevice::Call;
 
-std::vector<Call> CallsOfAFrame(EditorDesk& desk) {
+std::vector<Call> CallsOfAFrame(Simulation& game) {
   auto* device = dynamic_cast<CRecordingDevice*>(Graphics().device.get());
   EXPECT_NE(device, nullptr) << "the game runs on another device";
   if (!device) return {};
   device->Forget();
   device->keep = true;
-  desk.Step();
+  game.Step();
   device->keep = false;
   std::vector<Call> calls = std::move(device->calls);
   device->Forget();
@@ -215,8 +221,8 @@ std::vector<Call> CallsOfAFrame(EditorDesk& desk) {
 }
 
 // From a change of target to the next.
-DrawnFrame Read(EditorDesk& desk, const std::vector<Call>& calls, size_t begin) {
-  Reader reader(static_cast<int32_t>(desk.Global("font")));
+DrawnFrame Read(const std::vector<Call>& calls, size_t begin) {
+  Reader reader(ValueAsInt32(ReadVariable(nullptr, {"font", kNoIndex})));
   for (size_t at = begin + 1; at < calls.size() && calls[at].kind != CRecordingDevice::Kind::Target; ++at) {
     const Call& call = calls[at];
     if (call.kind != CRecordingDevice::Kind::Draw || call.primitive != pr_trianglelist) continue;
@@ -228,22 +234,24 @@ DrawnFrame Read(EditorDesk& desk, const std::vector<Call>& calls, size_t begin) 
 
 } // namespace
 
-DrawnFrame LookAtFrame(EditorDesk& desk) {
-  const std::vector<Call> calls = CallsOfAFrame(desk);
+DrawnFrame LookAtFrame(Simulation& game) {
+  const std::vector<Call> calls = CallsOfAFrame(game);
   size_t begin = 0; // of the layer that is drawn into the window itself, the last that draws anything
   for (size_t at = 0, target = 0; at < calls.size(); ++at) {
     if (calls[at].kind == CRecordingDevice::Kind::Target) target = at;
     if (calls[at].kind == CRecordingDevice::Kind::Draw) begin = target;
   }
-  return Read(desk, calls, begin);
+  return Read(calls, begin);
 }
 
+DrawnFrame LookAtFrame(EditorDesk& desk) { return LookAtFrame(desk.Game()); }
+
 DrawnFrame LookAtRoom(EditorDesk& desk) {
-  const std::vector<Call> calls = CallsOfAFrame(desk);
+  const std::vector<Call> calls = CallsOfAFrame(desk.Game());
   const auto begin = std::ranges::find_if(calls, [](const Call& call) {
     return call.kind == CRecordingDevice::Kind::Target && call.texture != 0; // the application surface
   });
-  return Read(desk, calls, static_cast<size_t>(begin - calls.begin()));
+  return Read(calls, static_cast<size_t>(begin - calls.begin()));
 }
 
 std::vector<std::string> Misfits(const DrawnFrame& frame) {

@@ -9,6 +9,7 @@
 namespace vesk {
 
 class EditorDesk;
+class Simulation;
 
 struct Box {
   double left, top, right, bottom; // right and bottom are the first pixels outside
@@ -37,10 +38,12 @@ std::ostream& operator<<(std::ostream& out, const DrawnPicture& picture);
 
 struct DrawnLine {
   std::string text;
+  double left, top, right; // the pen before its first and after its last letter, and the top of its cells
   Box ink;
   Box firstLetter;
   size_t over; // pictures drawn before it
 };
+std::ostream& operator<<(std::ostream& out, const DrawnLine& line);
 
 struct DrawnFrame {
   std::vector<DrawnPicture> pictures; // in the order in which they are drawn
@@ -52,6 +55,7 @@ struct DrawnFrame {
 };
 
 // Runs a frame and looks at what it drew over the room, in view pixels, or into it, in room pixels.
+DrawnFrame LookAtFrame(Simulation& game);
 DrawnFrame LookAtFrame(EditorDesk& desk);
 DrawnFrame LookAtRoom(EditorDesk& desk);
 

@@ -1,5 +1,5 @@
 #pragma once
-// The conductor of one running section, and the way into and out of play.
+// The way into play and the way out of it.
 
 namespace vesk {
 
