@@ -19,7 +19,6 @@ namespace vesk {
 
 namespace {
 
-constexpr int kRightButton = 2, kMiddleButton = 3;
 constexpr int kMinWidth = 24, kMinHeight = 14; // cells
 constexpr int kMarginX = 160, kMarginY = 120;  // pixels that the view may go beyond the section
 constexpr int kEdge = 8;                       // pixels on each side of the view's edge that scroll

@@ -8,7 +8,6 @@ namespace vesk {
 
 namespace {
 
-constexpr int kLeftButton = 1;
 constexpr int kBackspace = 8;
 constexpr double kNameWidth = 178;                         // pixels of a name's box
 constexpr double kMessageWidth = 292, kMessageHeight = 54; // pixels of a message box

@@ -1,15 +1,13 @@
 #pragma once
 // What menus and editor windows are made of: buttons that tell their owner, and a reader of typed text.
 #include "Files/Code/Self.h"
+#include "game/Keys.h"
 
 #include <string>
 #include <string_view>
 
 namespace vesk {
 
-inline constexpr int kControlKey = 17, kAltKey = 18, kShiftKey = 16, kEnterKey = 13, kEscapeKey = 27,
-                     kSpaceKey = 32;
-inline constexpr int kLeftKey = 37, kUpKey = 38, kRightKey = 39, kDownKey = 40;
 inline constexpr int kGold = 248 + 192 * 256 + 40 * 65536; // of prompts and refusals
 inline constexpr int kMusicPriority = 99;
 

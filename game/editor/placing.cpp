@@ -17,7 +17,6 @@ namespace vesk {
 
 namespace {
 
-constexpr int kLeftButton = 1, kRightButton = 2;
 constexpr int kDiagonalKey = 'C';
 constexpr int kBelowToolbar = 34; // view pixels
 

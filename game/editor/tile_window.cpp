@@ -12,7 +12,6 @@ namespace {
 constexpr int kPaneLeft = 16, kPaneTop = 66, kPaneRight = 368, kPaneBottom = 202;
 constexpr int kPaneWidth = kPaneRight - kPaneLeft, kPaneHeight = kPaneBottom - kPaneTop;
 constexpr int kMaxOffsetX = 288, kMaxOffsetY = 504;
-constexpr int kLeftButton = 1;
 constexpr int kPaneFrame = 5; // of spr_editor_window
 
 struct Point {

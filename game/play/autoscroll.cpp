@@ -1,6 +1,6 @@
 // obj_autoscroll: leads the camera along path markers and crushes a hero that can't keep up.
 #include "game/Game.h"
-#include "game/play/hero_damage.h"
+#include "game/play/hero.h"
 
 namespace vesk {
 
@@ -17,8 +17,8 @@ bool solid_in_column(Self hero, double column) {
 }
 
 void kill(Self hero) {
-  hero[damage] = kFatalDamage;
-  event_user(hero, 0);
+  hero[damage] = hero::kFatalDamage;
+  event_user(hero, hero::kTakeDamage);
 }
 
 void crush(Self hero) {

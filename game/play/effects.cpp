@@ -1,4 +1,6 @@
 // Short effects: puffs that play once, stars, bubbles, blood.
+#include "game/play/effects.h"
+
 #include "Files/Path/Function_Path.h"
 #include "Files/Path/Path.h"
 #include "game/Game.h"
@@ -65,6 +67,12 @@ void StainCreate(Self self) {
 }
 
 } // namespace
+
+void make_smoke(double left, double top, int sprite) {
+  const Self smoke = make(left, top, obj_smoke);
+  smoke[sprite_index] = sprite;
+  smoke[depth] = -6;
+}
 
 const EventTable obj_smoke_events = {{ev_create, 0, AnimateFast}, {ev_other, ev_animation_end, End}};
 const EventTable obj_spinthump_events = {{ev_create, 0, AnimateFast}, {ev_other, ev_animation_end, End}};

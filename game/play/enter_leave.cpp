@@ -1,6 +1,7 @@
 #include "game/play/enter_leave.h"
 
 #include "game/Game.h"
+#include "game/Keys.h"
 
 namespace vesk {
 
@@ -30,7 +31,7 @@ void scr_clearvars() {
 
 void scr_return() {
   const DebugFrame frame("scr_return");
-  if (keyboard_check(17)) keyboard_key_release(17);
+  if (keyboard_check(kActionKey)) keyboard_key_release(kActionKey);
   io_clear();
   keyboard_unset_map();
   global[powerup] = 1;

@@ -2,6 +2,7 @@
 
 #include "Files/IO/Gamepad.h"
 #include "game/Game.h"
+#include "game/Keys.h"
 
 namespace vesk {
 
@@ -17,7 +18,7 @@ struct StickKey {
 };
 // In the order of the latches.
 constexpr StickKey kStickKeys[] = {
-    {gp_axislv, -1, 38}, {gp_axislv, 1, 40}, {gp_axislh, -1, 37}, {gp_axislh, 1, 39}};
+    {gp_axislv, -1, kUpKey}, {gp_axislv, 1, kDownKey}, {gp_axislh, -1, kLeftKey}, {gp_axislh, 1, kRightKey}};
 
 struct ButtonKey {
   int button;
@@ -25,9 +26,9 @@ struct ButtonKey {
   bool inPlayOnly;
 };
 constexpr ButtonKey kButtonKeys[] = {
-    {gp_padu, 38, false}, {gp_padd, 40, false},  {gp_padl, 37, false},
-    {gp_padr, 39, false}, {gp_start, 13, false}, {gp_face1, 88, true},
-    {gp_face2, 17, true}, {gp_face3, 90, true},  {gp_face4, 32, true},
+    {gp_padu, kUpKey, false},     {gp_padd, kDownKey, false},   {gp_padl, kLeftKey, false},
+    {gp_padr, kRightKey, false},  {gp_start, kEnterKey, false}, {gp_face1, 'X', true},
+    {gp_face2, kActionKey, true}, {gp_face3, 'Z', true},        {gp_face4, kSpaceKey, true},
 };
 
 } // namespace

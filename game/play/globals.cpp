@@ -5,16 +5,23 @@
 
 namespace vesk {
 
+namespace {
+
+bool holds(Slot variable, int type) {
+  return !global[variable].value().IsUnset() && ds_exists(global[variable], type);
+}
+
+// A restart from inside a level leaves both behind.
+void free_level_data() {
+  if (holds(leveldata, ds_type_map)) ds_map_destroy(global[leveldata]);
+  if (holds(level_list, ds_type_list)) ds_list_destroy(global[level_list]);
+}
+
+} // namespace
+
 void scr_init_globals() {
   const DebugFrame frame("scr_init_globals");
-  for (const Slot tree : {leveldata, level_list}) // a restart from inside a level frees what it holds
-    if (!global[tree].value().IsUnset() &&
-        ds_exists(global[tree], tree.number == leveldata.number ? ds_type_map : ds_type_list)) {
-      if (tree.number == leveldata.number)
-        ds_map_destroy(global[tree]);
-      else
-        ds_list_destroy(global[tree]);
-    }
+  free_level_data();
 
   global[coins] = 0;
   health = 25;

@@ -1,50 +1,50 @@
-#include "game/play/hero_damage.h"
-
+// What a hit does to the hero: health, blood, the shoe, short invincibility.
 #include "game/Game.h"
 #include "game/NotBuilt.h"
+#include "game/play/hero.h"
 
-namespace vesk {
+namespace vesk::hero {
 
-void hero_take_damage(Self hero) {
-  if (hero[invincible] != 0) return; // `damage` stays as set and is dealt by the next hit
-  event_user(hero, 6);
-  health = max(health - hero[damage], 0);
+void TakeDamage(Self self) {
+  if (self[invincible] != 0) return; // `damage` stays as set and is dealt by the next hit
+  event_user(self, kStartInvincibility);
+  health = max(health - self[damage], 0);
   if (global[velmo] == 2) {
-    hero[stompstyle] = 0;
+    self[stompstyle] = 0;
     audio_play_sound(snd_magic, 0, false);
-    make(hero[x], hero[y] + 16, obj_statuesmoke);
+    make(self[x], self[y] + 16, obj_statuesmoke);
     with(obj_hoskushoe, [](Self shoe) { instance_destroy(shoe); });
     global[velmo] = 0;
-    hero[visible] = 1;
+    self[visible] = 1;
   }
   if (health == 0) {
-    make(hero[x], hero[y], obj_deadtovin);
+    make(self[x], self[y], obj_deadtovin);
     SayNotBuilt("scr_tovinparts");
-    instance_destroy(hero);
+    instance_destroy(self);
   } else {
     audio_play_sound(snd_bleed, 0, false);
-    for (int drop = 0; drop < hero[damage]; ++drop) make(hero[x], hero[y] + 16, obj_gore);
+    for (int drop = 0; drop < self[damage]; ++drop) make(self[x], self[y] + 16, obj_gore);
   }
-  hero[damage] = 1;
+  self[damage] = 1;
 }
 
-void hero_start_invincibility(Self hero) {
-  if (hero[invincible] == -1) return;
-  hero[invincible] = 1;
-  hero[alarm][1] = 1;
-  hero[alarm][3] = 8;
+void StartInvincibility(Self self) {
+  if (self[invincible] == -1) return;
+  self[invincible] = 1;
+  self[alarm][kBlinkOff] = 1;
+  self[alarm][kEndInvincibility] = 8;
 }
 
-void hero_blink_off(Self hero) {
-  hero[image_alpha] = 0.4;
-  hero[alarm][2] = 4;
+void Alarm_BlinkOff(Self self) {
+  self[image_alpha] = 0.4;
+  self[alarm][kBlinkOn] = 4;
 }
 
-void hero_blink_on(Self hero) {
-  hero[image_alpha] = 1;
-  if (hero[invincible] == 1) hero[alarm][1] = 4;
+void Alarm_BlinkOn(Self self) {
+  self[image_alpha] = 1;
+  if (self[invincible] == 1) self[alarm][kBlinkOff] = 4;
 }
 
-void hero_end_invincibility(Self hero) { hero[invincible] = 0; }
+void Alarm_EndInvincibility(Self self) { self[invincible] = 0; }
 
-} // namespace vesk
+} // namespace vesk::hero

@@ -1,6 +1,6 @@
 // Lava: deadly to the touch, whatever protects the hero. Glows.
 #include "game/Game.h"
-#include "game/play/hero_damage.h"
+#include "game/play/hero.h"
 #include "game/play/lighting.h"
 
 namespace vesk {
@@ -10,9 +10,9 @@ namespace {
 void Create(Self self) { self[image_speed] = 0.15; }
 
 void MeetsHero(Self, Other hero) {
-  hero[damage] = kFatalDamage;
+  hero[damage] = hero::kFatalDamage;
   hero[invincible] = 0;
-  event_user(hero, 0);
+  event_user(hero, hero::kTakeDamage);
 }
 
 // ---- obj_lava_stretch: a run of lava in one instance, as many cells as image_xscale says ----

@@ -1,6 +1,7 @@
 // obj_levelmanager: conducts one running section. Its events and the order of their steps stand here; the
 // steps themselves stand in section, arrival, section_music, camera, heartbeat, blue_switch, pmeter and hud.
 #include "game/Game.h"
+#include "game/Keys.h"
 #include "game/play/arrival.h"
 #include "game/play/blue_switch.h"
 #include "game/play/camera.h"
@@ -13,8 +14,6 @@
 namespace vesk {
 
 namespace {
-
-constexpr int kEnter = 13, kAlt = 18;
 
 void Create(Self self) {
   self[levelmusic] = 0;
@@ -37,9 +36,9 @@ void Create(Self self) {
 }
 
 void map_keys() {
-  if (keyboard_get_map(88) != 88) return;
-  keyboard_set_map(88, 16); // X jumps
-  keyboard_set_map(90, 17); // Z acts
+  if (keyboard_get_map('X') != 'X') return;
+  keyboard_set_map('X', kJumpKey);
+  keyboard_set_map('Z', kActionKey);
 }
 
 void RoomStart(Self self) {
@@ -71,9 +70,9 @@ void RoomEnd(Self) {
 }
 
 void PressEnter(Self) {
-  if (keyboard_check(kAlt) || instance_exists(obj_levelender)) return;
+  if (keyboard_check(kAltKey) || instance_exists(obj_levelender)) return;
   make(0, 0, obj_pausemenu);
-  keyboard_clear(kEnter);
+  keyboard_clear(kEnterKey);
 }
 
 void Alarm_EndLockOn(Self self) { self[lockon] = 0; }
@@ -105,7 +104,7 @@ const EventTable obj_levelmanager_events = {
     {ev_other, ev_user(2), SwapBricksAndCoins},
     {ev_other, ev_user(3), Silence},
     {ev_draw, ev_gui, DrawHud},
-    {ev_keypress, kEnter, PressEnter},
+    {ev_keypress, kEnterKey, PressEnter},
 };
 
 } // namespace vesk

@@ -1,12 +1,12 @@
 // obj_pausemenu: the frozen picture, blurred, and three entries over it.
 #include "game/Game.h"
+#include "game/Keys.h"
 #include "game/play/enter_leave.h"
 
 namespace vesk {
 
 namespace {
 
-constexpr int kJumpKey = 16, kEnter = 13, kAlt = 18, kUp = 38, kDown = 40;
 constexpr int kGold = make_colour_rgb(248, 192, 40);
 enum Entry { kContinue, kRestart, kLeave, kEntries };
 
@@ -43,7 +43,7 @@ void PressUp(Self self) { choose_by(self, -1); }
 void PressDown(Self self) { choose_by(self, 1); }
 
 void PressEnter(Self self) {
-  if (!keyboard_check(kAlt)) event_user(self, 0);
+  if (!keyboard_check(kAltKey)) event_user(self, 0);
 }
 
 void leave_level(Self self) {
@@ -99,9 +99,9 @@ void DrawGui(Self self) {
 const EventTable obj_pausemenu_events = {
     {ev_create, 0, Create},
     {ev_other, ev_user(0), Resume},
-    {ev_keypress, kUp, PressUp},
-    {ev_keypress, kDown, PressDown},
-    {ev_keypress, kEnter, PressEnter},
+    {ev_keypress, kUpKey, PressUp},
+    {ev_keypress, kDownKey, PressDown},
+    {ev_keypress, kEnterKey, PressEnter},
     {ev_keypress, kJumpKey, Confirm},
     {ev_other, ev_room_end, delete_picture},
     {ev_draw, ev_draw_normal, Draw},

@@ -3,6 +3,7 @@
 #include "Files/IO/Gamepad.h"
 #include "Files/Runner/Function_Runner.h"
 #include "game/Game.h"
+#include "game/Keys.h"
 #include "game/editor/interface.h"
 #include "game/level/files.h"
 #include "game/play/gamepad.h"
@@ -13,8 +14,7 @@ namespace vesk {
 namespace {
 
 constexpr int kViewWidth = 384, kViewHeight = 216; // pixels
-constexpr int kAlt = 18, kEnter = 13;
-constexpr int kNoSettings = -1; // depth after a failed start: nothing is saved at the end
+constexpr int kNoSettings = -1;                    // depth after a failed start: nothing is saved at the end
 constexpr const char* kSettingsFile = "Settings.dat";
 constexpr double kFadeStep = 0.0666666667;
 constexpr int kMessageSteps = 60;
@@ -140,7 +140,7 @@ void Alarm_SecondLogo(Self self) {
 
 void Alarm_SkipLogo(Self self) {
   if (room != rm_logo) return;
-  if (self[alarm][4] > 1 && keyboard_check_pressed(kEnter) && !keyboard_check(kAlt)) {
+  if (self[alarm][4] > 1 && keyboard_check_pressed(kEnterKey) && !keyboard_check(kAltKey)) {
     self[alarm][4] = 1;
     audio_stop_all();
   }
@@ -264,9 +264,9 @@ struct Command {
   void (*run)(Self);
 };
 constexpr Command kCommands[] = {
-    {115, [](Self) { game_end(); }},
+    {kF4Key, [](Self) { game_end(); }},
     {'R', restart_game},
-    {kEnter,
+    {kEnterKey,
      [](Self self) {
        flip(self, fullscreen, "Fullscreen", "Windowed");
        window_set_fullscreen(self[fullscreen]);
@@ -312,7 +312,7 @@ const EventTable obj_persistent_events = {
     {ev_alarm, 7, Alarm_SkipLogo},
     {ev_alarm, 8, Alarm_NoLibrary},
     {ev_step, ev_step_normal, translate_gamepad},
-    {ev_keyboard, kAlt, KeepAlt},
+    {ev_keyboard, kAltKey, KeepAlt},
     {ev_other, ev_game_start, GameStart},
     {ev_other, ev_game_end, GameEnd},
     {ev_other, ev_room_start, RoomStart},

@@ -1,16 +1,15 @@
 #include "game/play/pmeter.h"
 
 #include "game/Game.h"
+#include "game/play/hero.h"
 
 namespace vesk {
 
 namespace {
 
 constexpr int kFull = 6;
-constexpr double kRunSpeed = 2.8;
 
-bool runs(Self hero) { return abs(hero[hspeed]) > kRunSpeed; }
-bool grounded(Self hero) { return hero[state] < 2; }
+bool grounded(Self hero) { return hero[state] < hero::kInAir; }
 
 void empty_by_one(Self manager) {
   audio_stop_sound(snd_pmeter);
@@ -20,10 +19,12 @@ void empty_by_one(Self manager) {
 
 } // namespace
 
+bool meter_is_full() { return first(obj_levelmanager)[pmeter] >= kFull; }
+
 // Falling is a third as fast as rising.
 void Alarm_SampleMeter(Self manager) {
   if (const Self hero = first(obj_tovin)) {
-    if (runs(hero) && hero[state] == 1) {
+    if (hero::runs(hero) && hero[state] == hero::kWalking) {
       if (manager[pmeter] < kFull) manager[pmeter] += 1;
     } else if (manager[pmeter] > 0 && manager[slowdown] == 2) {
       manager[pmeter] -= 1;
@@ -46,7 +47,7 @@ void Alarm_SampleMeter(Self manager) {
 void Alarm_CheckFullMeter(Self manager) {
   if (!(manager[pmeter] > 5)) return;
   const Self hero = first(obj_tovin);
-  if (hero && runs(hero) && grounded(hero))
+  if (hero && hero::runs(hero) && grounded(hero))
     manager[alarm][8] = 100;
   else
     empty_by_one(manager);
@@ -55,7 +56,7 @@ void Alarm_CheckFullMeter(Self manager) {
 // A hero in the air keeps a full meter.
 void Alarm_BlinkMeter(Self manager) {
   const Self hero = first(obj_tovin);
-  if (hero && grounded(hero) && !runs(hero)) {
+  if (hero && grounded(hero) && !hero::runs(hero)) {
     empty_by_one(manager);
   } else if (manager[pmeter] > 5) {
     manager[pmeter] = manager[pmeter] == 6 ? 7 : 6;

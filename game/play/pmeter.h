@@ -6,6 +6,8 @@ namespace vesk {
 
 inline constexpr int kMeterSteps = 15; // steps between two samples
 
+bool meter_is_full();
+
 void Alarm_SampleMeter(Self manager);
 void Alarm_CheckFullMeter(Self manager);
 void Alarm_BlinkMeter(Self manager);

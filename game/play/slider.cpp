@@ -1,12 +1,14 @@
 // obj_slider: drives the hero down a slope while the down key is held.
 #include "game/Game.h"
+#include "game/Keys.h"
+#include "game/play/effects.h"
+#include "game/play/hero.h"
 #include "game/play/hero_sprites.h"
 
 namespace vesk {
 
 namespace {
 
-constexpr int kDown = 40;
 constexpr int kDustSteps = 8;
 constexpr double kTopSpeed = 3;
 
@@ -22,7 +24,7 @@ void Create(Self self) {
   with(obj_tovin, [&](Self hero) {
     hero[invincible] = 1;
     hero[disablecontrols] = 1;
-    hero[skidnow] = 2;
+    hero[skidnow] = hero::kSliding;
     hero[hitpoint] = 0;
     self[hspeed] = hero[hspeed];
     self[direct] = hero[direct];
@@ -37,7 +39,7 @@ void Destroy(Self) {
   with(obj_tovin, [](Self hero) {
     hero[invincible] = 0;
     hero[disablecontrols] = 0;
-    hero[skidnow] = 0;
+    hero[skidnow] = hero::kNoSkid;
   });
 }
 
@@ -56,7 +58,7 @@ void change_speed(Self self, Self hero) {
   if (left) self[hspeed] += 0.1;
   if (self[hspeed] > kTopSpeed) self[hspeed] = kTopSpeed;
   if (self[hspeed] < -kTopSpeed) self[hspeed] = -kTopSpeed;
-  self[friction] = hero[state] < 2 && !right && !left ? 0.1 : 0;
+  self[friction] = hero[state] < hero::kInAir && !right && !left ? 0.1 : 0;
 }
 
 bool has_run_out(Self self) { return self[friction] != 0 && abs(self[hspeed]) < 0.05; }
@@ -70,7 +72,7 @@ bool solid_ahead(Self self, Self hero) {
 
 void Step(Self self) {
   const Self hero = first(obj_tovin);
-  if (!hero || !keyboard_check(kDown)) {
+  if (!hero || !keyboard_check(kDownKey)) {
     instance_destroy(self);
     return;
   }
@@ -89,11 +91,7 @@ void EndStep(Self self) {
 
 void Alarm_Dust(Self self) {
   const Real foot = self[bbox_bottom] + 0;
-  const auto puff = [&](double at) {
-    const Self dust = make(at, self[y] + 24, obj_smoke);
-    dust[sprite_index] = spr_skidsmoke;
-    dust[depth] = -6;
-  };
+  const auto puff = [&](double at) { make_smoke(at, self[y] + 24, spr_skidsmoke); };
   if (slope_in(self, self[bbox_left] - 3, foot, self[bbox_left], foot + 2)) puff(self[x] - 8);
   if (slope_in(self, self[bbox_right], foot, self[bbox_right] + 3, foot + 2)) puff(self[x] + 1);
   self[alarm][0] = kDustSteps;
