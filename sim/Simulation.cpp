@@ -85,7 +85,8 @@ std::string Simulation::Start() {
   Runner_Begin(std::move(setup));
   m_started = true;
   if (!Runner_Open()) return "the game can't be started: " + Error().lastReport;
-  Mouse(kViewWidth / 2, kViewHeight / 2); // at an edge it would scroll the editor
+  constexpr int kMiddleX = kViewWidth / 2, kMiddleY = kViewHeight / 2;
+  Mouse(kMiddleX, kMiddleY); // at an edge it would scroll the editor
   if (m_settings.remarks) Consoles().release = std::make_unique<TConsole>(TConsole::Stream::StandardError);
   return "";
 }

@@ -48,11 +48,11 @@ std::string BoxText(const std::string& report) {
   std::string text = std::string(43, '_') + "\r\n";
   for (size_t at = 0; at < report.size(); ++at) {
     const char letter = report[at];
+    const bool lonelyFeed = letter == '\n' && (at == 0 || report[at - 1] != '\r');
+    const bool lonelyReturn = letter == '\r' && (at + 1 == report.size() || report[at + 1] != '\n');
     if (letter == '\t')
       text += "       ";
-    else if (letter == '\n' && (at == 0 || report[at - 1] != '\r'))
-      text += "\r\n";
-    else if (letter == '\r' && (at + 1 == report.size() || report[at + 1] != '\n'))
+    else if (lonelyFeed || lonelyReturn)
       text += "\r\n";
     else
       text += letter;

@@ -202,13 +202,14 @@ void DrawStraight(const TextBlock& block, float x, float y, Pen pen) {
   const CFontFb& font = block.font;
   pen.xscale = pen.cosine = font.scaleX;
   pen.yscale = font.scaleY;
-  if (state.valign == fa_middle) y -= static_cast<float>(count * block.lineHeight / 2);
-  if (state.valign == fa_bottom) y -= static_cast<float>(count * block.lineHeight);
+  const int32_t height = count * block.lineHeight, halfHeight = height / 2;
+  if (state.valign == fa_middle) y -= static_cast<float>(halfHeight);
+  if (state.valign == fa_bottom) y -= static_cast<float>(height);
   for (const std::u16string& line : block.lines) {
     if (!line.empty()) {
-      const int32_t width = Font_LineWidth(font, line);
+      const int32_t width = Font_LineWidth(font, line), halfWidth = width / 2;
       pen.x = x;
-      if (state.halign == fa_center) pen.x -= static_cast<float>(width / 2);
+      if (state.halign == fa_center) pen.x -= static_cast<float>(halfWidth);
       if (state.halign == fa_right) pen.x -= static_cast<float>(width);
       pen.y = y;
       DrawLine(font, line, pen);

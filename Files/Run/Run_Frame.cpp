@@ -141,6 +141,9 @@ void Run_ConnectServices() {
 
 int32_t Run_Fps() { return state.fps; }
 double Run_FpsReal() { return static_cast<double>(state.fpsReal); }
-double Run_CurrentTime() { return static_cast<double>(Timing_Time() / 1000); }
+double Run_CurrentTime() {
+  const int64_t milliseconds = Timing_Time() / 1000;
+  return static_cast<double>(milliseconds);
+}
 
 } // namespace vesk

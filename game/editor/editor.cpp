@@ -3,6 +3,7 @@
 
 #include "Files/Function/Function_Data_Structures.h"
 #include "game/Game.h"
+#include "game/Music.h"
 #include "game/editor/interface.h"
 #include "game/editor/window.h"
 #include "game/level/catalogue.h"

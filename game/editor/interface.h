@@ -9,7 +9,6 @@
 namespace vesk {
 
 inline constexpr int kGold = 248 + 192 * 256 + 40 * 65536; // of prompts and refusals
-inline constexpr int kMusicPriority = 99;
 
 inline constexpr std::string_view kRefusedInNames = "\\/:*?<>|"; // what a file name can't hold
 

@@ -2,6 +2,7 @@
 #include "Files/Base/Console.h"
 #include "Files/Function/Function_Data_Structures.h"
 #include "game/Game.h"
+#include "game/Music.h"
 #include "game/editor/interface.h"
 #include "game/level/files.h"
 #include "game/level/level_file.h"

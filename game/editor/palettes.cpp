@@ -1,6 +1,7 @@
 // The palettes: windows that differ only in their lists. A list is a run of the catalogue, in its order.
 #include "Files/Function/Function_Data_Structures.h"
 #include "game/Game.h"
+#include "game/Music.h"
 #include "game/editor/interface.h"
 #include "game/editor/window.h"
 #include "game/level/catalogue.h"

@@ -2,6 +2,7 @@
 #include "game/editor/title.h"
 
 #include "game/Game.h"
+#include "game/Music.h"
 #include "game/editor/interface.h"
 #include "game/play/lighting.h"
 

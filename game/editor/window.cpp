@@ -83,8 +83,9 @@ void show_tab(Self self, int shown, std::string_view title) {
 }
 
 void make_grid_button(Self self, int at, double top, std::string_view label, int icon, int iconFrame) {
-  make_button(self, kGridLeft + at % kGridColumns * kGridStep, top + at / kGridColumns * kGridStep,
-              std::string(label), std::string(label), {spr_button, icon, iconFrame}, obj_button);
+  const int column = at % kGridColumns, row = at / kGridColumns;
+  make_button(self, kGridLeft + column * kGridStep, top + row * kGridStep, std::string(label),
+              std::string(label), {spr_button, icon, iconFrame}, obj_button);
 }
 
 int grid_rows(int buttons) { return (buttons + kGridColumns - 1) / kGridColumns; }

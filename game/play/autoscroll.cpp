@@ -24,9 +24,9 @@ void kill(Self hero) {
 void crush(Self hero) {
   const double left = view_xview[0], right = left + view_wview[0].Get();
   const double bottom = view_yview[0].Get() + view_hview[0].Get();
-  if (hero[x] < left + 6 && solid_in_column(hero, hero[x] + 5)) {
-    kill(hero);
-  } else if (hero[x] > right - 6 && solid_in_column(hero, hero[x] - 5)) {
+  const bool squeezed = (hero[x] < left + 6 && solid_in_column(hero, hero[x] + 5)) ||
+                        (hero[x] > right - 6 && solid_in_column(hero, hero[x] - 5));
+  if (squeezed) {
     kill(hero);
   } else if (hero[bbox_top] > bottom) {
     hero[y] = bottom - 16;

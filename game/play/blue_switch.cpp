@@ -1,7 +1,7 @@
 #include "game/play/blue_switch.h"
 
 #include "game/Game.h"
-#include "game/play/section_music.h"
+#include "game/Music.h"
 
 namespace vesk {
 

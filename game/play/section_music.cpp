@@ -1,6 +1,7 @@
 #include "game/play/section_music.h"
 
 #include "game/Game.h"
+#include "game/Music.h"
 
 namespace vesk {
 

@@ -5,8 +5,6 @@
 
 namespace vesk {
 
-inline constexpr int kMusicPriority = 99;
-
 // At room start: another section's song ends here.
 void hand_over_music(Self manager);
 

@@ -1,0 +1,7 @@
+#pragma once
+
+namespace vesk {
+
+inline constexpr int kMusicPriority = 99; // of every song; effects play below it
+
+} // namespace vesk
