@@ -17,7 +17,8 @@ namespace {
 constexpr int32_t kModeStreamed = 100;
 constexpr int32_t kModeCompressed = 102;
 constexpr int32_t kModeDecoded = 103;
-constexpr int32_t kMostSounds = 100000; // ids from here on are not sounds of the container
+constexpr int32_t kMostSounds = 100000;   // ids from here on are not sounds of the container
+constexpr size_t kMostBytesAhead = 40000; // of an encoded sound that is decoded before anyone asks; some 3 s
 
 struct PreparingState {
   CThread thread;
@@ -173,7 +174,8 @@ void Audio_MeasureSound(AudioSound& sound) {
 
 void Audio_StartPreparing() {
   AudioState& audio = Audio();
-  // Where nobody listens a sound is ready in no time when it is played.
+  // Where nobody listens a sound is ready in no time when it is played. A long one, of which there are few,
+  // is decoded at its first play: decoded it takes megabytes.
   if (g_preparing.started || !audio.enabled || !audio.context->listening ||
       !audio.context->device->HasThread())
     return;
@@ -181,7 +183,8 @@ void Audio_StartPreparing() {
   g_preparing.quit = false;
   std::vector<AudioSound*> waiting;
   for (auto& sound : audio.sounds)
-    if (sound && !sound->OnStream() && !sound->data.empty()) waiting.push_back(sound.get());
+    if (sound && !sound->OnStream() && !sound->data.empty() && sound->data.size() <= kMostBytesAhead)
+      waiting.push_back(sound.get());
   g_preparing.thread.Start([waiting] {
     for (AudioSound* sound : waiting) {
       if (g_preparing.quit) return;
