@@ -89,23 +89,27 @@ void SetImage(CBackground& background, std::vector<uint8_t> pixels, int32_t widt
   background.height = height;
 }
 
+CBackground& AddBackground() {
+  auto& table = Backgrounds().table;
+  const auto index = static_cast<int32_t>(table.size());
+  CBackground& made = *table.emplace_back(std::make_unique<CBackground>());
+  made.index = index;
+  made.name = "__newbackground" + std::to_string(index);
+  return made;
+}
+
 } // namespace
 
 int32_t background_create_from_surface(int32_t surface, int32_t x, int32_t y, int32_t width, int32_t height,
                                        bool removeback, bool smooth, bool preload) {
-  auto& table = Backgrounds().table;
-  const auto index = static_cast<int32_t>(table.size());
-  table.push_back(std::make_unique<CBackground>());
-  CBackground& made = *table.back();
-  made.index = index;
-  made.name = "__newbackground" + std::to_string(index);
+  CBackground& made = AddBackground();
   std::vector<uint8_t> pixels = ReadSurfaceRect(surface, x, y, width, height);
-  if (pixels.empty()) return index;
+  if (pixels.empty()) return made.index;
   made.transparent = removeback;
   made.smooth = smooth;
   made.preload = preload;
   SetImage(made, std::move(pixels), width, height);
-  return index;
+  return made.index;
 }
 
 int32_t background_add(std::string_view file, bool removeback, bool smooth) {
@@ -117,16 +121,11 @@ int32_t background_add(std::string_view file, bool removeback, bool smooth) {
     return -1;
   }
   if (removeback) RemoveBack(image);
-  auto& table = Backgrounds().table;
-  const auto index = static_cast<int32_t>(table.size());
-  table.push_back(std::make_unique<CBackground>());
-  CBackground& made = *table.back();
-  made.index = index;
-  made.name = "__newbackground" + std::to_string(index);
+  CBackground& made = AddBackground();
   made.transparent = removeback;
   made.smooth = smooth;
   SetImage(made, std::move(image.pixels), image.width, image.height);
-  return index;
+  return made.index;
 }
 
 } // namespace vesk

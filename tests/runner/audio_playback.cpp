@@ -323,17 +323,29 @@ TEST(Audio, ALoopedStreamPassesItsEndWithoutAGap) {
   }
 }
 
-// With a device that has a thread of its own, everything at once; run under ThreadSanitizer.
-TEST(Audio, ThreadsOfDeviceWorkersAndGameMeetInPeace) {
+// Audio on the system's clock and on a device with a thread of its own; ends before the sounds declared
+// ahead.
+struct LiveAudio {
+  LiveAudio() {
+    platform.audio = &device;
+    platform.clock = &clock;
+    Platform_Set(&platform);
+    Audio_Init(true);
+  }
+  ~LiveAudio() {
+    Audio_Quit();
+    Platform_Set(nullptr);
+  }
   ThreadedAudio device;
   CSystemClock clock;
   CHandDrivenPlatform hand;
   Platform platform = hand.Interfaces();
-  platform.audio = &device;
-  platform.clock = &clock;
-  Platform_Set(&platform);
-  Audio_Init(true);
+};
+
+// With a device that has a thread of its own, everything at once; run under ThreadSanitizer.
+TEST(Audio, ThreadsOfDeviceWorkersAndGameMeetInPeace) {
   std::deque<std::vector<uint8_t>> bytes;
+  LiveAudio live;
   for (int i = 0; i < 6; ++i) {
     SoundRecord record;
     record.flags = i < 3 ? kEffect : kMusic;
@@ -351,30 +363,21 @@ TEST(Audio, ThreadsOfDeviceWorkersAndGameMeetInPeace) {
     if (tick % 11 == 3) audio_resume_all();
     if (tick == 30) audio_channel_num(8);
     Audio_Update();
-    clock.Sleep(5000);
+    live.clock.Sleep(5000);
   }
   audio_stop_all();
   for (int tick = 0; tick < 200 && !Audio_Playing().empty(); ++tick) {
     Audio_Update();
-    clock.Sleep(2000);
+    live.clock.Sleep(2000);
   }
   EXPECT_TRUE(Audio_Playing().empty());
-  EXPECT_GT(device.Loudest(), 1000);
-  Audio_Quit();
-  Platform_Set(nullptr);
+  EXPECT_GT(live.device.Loudest(), 1000);
 }
 
 // The stop is still being worked on when the play is asked for.
 TEST(Audio, APlayStraightBehindAStopIsNotLost) {
-  ThreadedAudio device;
-  CSystemClock clock;
-  CHandDrivenPlatform hand;
-  Platform platform = hand.Interfaces();
-  platform.audio = &device;
-  platform.clock = &clock;
-  Platform_Set(&platform);
-  Audio_Init(true);
   const std::vector<uint8_t> song = EncodeVorbis(40000, 2, 44100);
+  LiveAudio live;
   SoundRecord record;
   record.flags = kMusic;
   record.audioIndex = 0;
@@ -383,17 +386,15 @@ TEST(Audio, APlayStraightBehindAStopIsNotLost) {
   COggAudio& streams = *Audio().ogg;
   AudioSound& sound = *Audio_SoundOf(0);
   streams.PlaySound(0, sound, true, 0, 1);
-  clock.Sleep(30000);
+  live.clock.Sleep(30000);
   {
     const CLock mixing(Audio().context->lock); // the worker waits in the middle of the stop
     streams.StopSound(0);
-    clock.Sleep(30000);
+    live.clock.Sleep(30000);
     streams.PlaySound(0, sound, true, 0, 1);
   }
-  clock.Sleep(30000);
+  live.clock.Sleep(30000);
   EXPECT_TRUE(streams.Active(0)) << "a looped stream never ends by itself";
-  Audio_Quit();
-  Platform_Set(nullptr);
 }
 
 // The whole way: the desktop's device opens beside the game and takes over; its driver writes what it is
